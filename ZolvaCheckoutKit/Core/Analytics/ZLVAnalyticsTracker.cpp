@@ -1,0 +1,94 @@
+#include <utility>
+
+#include <ZolvaCheckoutKit/Core/Analytics/ZLVAnalyticsTracker.h>
+#include <ZolvaCheckoutKit/Core/Helpers/ZLVDeviceHelper.h>
+#include <ZolvaCheckoutKit/Core/Helpers/ZLVText.h>
+#include <ZolvaCheckoutKit/Core/Network/ZLVNetwork.h>
+#include <ZolvaCheckoutKit/Platform/ZLVPlatform.h>
+#include <ZolvaCheckoutKit/ZLVVendor.h>
+#include <ZolvaCheckoutKit/ZLVVersion.h>
+
+namespace {
+
+constexpr std::string_view defaultRootURL = "https://api.clevertap.com/";
+constexpr std::string_view uploadPath = "1/upload";
+
+/// `value`, which the call cannot do without.
+ZLVValue required(ZLVValue value, std::string_view what, std::string_view call) {
+  if (!value.isAbsent()) return value;
+  throw ZLVProgrammingFault(
+      ZLVStringWithFormat("%@: no %@, so no analytics record can be built", {call, what}));
+}
+
+ZLVValue merchantId(std::string_view call) {
+  return required(ZLVVendor::shared().merchantId(),
+                  "merchant id (call initWithMerchantServerURL first)", call);
+}
+
+ZLVDictionary deviceFacts(std::string_view call) {
+  auto applicationVersion = required(ZLVDeviceHelper::applicationVersion(),
+                                     "application version (give one to the platform)", call);
+  auto deviceName = required(ZLVDeviceHelper::deviceName(), "device name", call);
+  auto deviceModel = ZLVDeviceHelper::deviceModel();
+  auto osVersion = required(ZLVDeviceHelper::osVersion(), "operating system version", call);
+  return {{"app version", std::move(applicationVersion)},
+          {"sdk version", ZLV_VERSION},
+          {"device name", std::move(deviceName)},
+          {"device model", std::move(deviceModel)},
+          {"OS", "iOS"},
+          {"OS version", std::move(osVersion)}};
+}
+
+ZLVDictionary profile(const ZLVValue& identity, ZLVDictionary profileData) {
+  profileData.set("name", identity);
+  return {{"type", "profile"}, {"identity", identity}, {"profileData", std::move(profileData)}};
+}
+
+void sendEvent(std::string_view eventName, ZLVDictionary eventData) {
+  constexpr std::string_view call = "trackEventName";
+  ZLVDictionary event{{"identity", merchantId(call)},
+                      {"type", "event"},
+                      {"evtName", eventName},
+                      {"evtData", std::move(eventData)}};
+  ZLVAnalyticsTracker::shared().sendAnalyticRequest(
+      {std::move(event), profile(merchantId(call), {})});
+}
+
+}  // namespace
+
+ZLVAnalyticsTracker& ZLVAnalyticsTracker::shared() {
+  static ZLVAnalyticsTracker tracker;
+  return tracker;
+}
+
+void ZLVAnalyticsTracker::trackEventName(std::string_view eventName) {
+  sendEvent(eventName, deviceFacts("trackEventName"));
+}
+
+void ZLVAnalyticsTracker::trackEventName(std::string_view eventName,
+                                         ZLVValue additionalParameters) {
+  auto eventData = deviceFacts("trackEventName");
+  eventData.set("details", required(std::move(additionalParameters), "additional parameters",
+                                    "trackEventName"));
+  sendEvent(eventName, std::move(eventData));
+}
+
+void ZLVAnalyticsTracker::setIdentity(const ZLVValue& identity) {
+  constexpr std::string_view call = "setIdentity";
+  auto facts = deviceFacts(call);
+  sendAnalyticRequest({profile(required(identity, "merchant id", call), std::move(facts))});
+}
+
+void ZLVAnalyticsTracker::sendAnalyticRequest(ZLVArray records) {
+  const auto& rootURL = ZLVPlatform::installed("sendAnalyticRequest").analyticsRootURL;
+  ZLVNetwork::shared().request(
+      ZLVNetworkService::initWithBaseURL(
+          rootURL.value_or(std::string(defaultRootURL)), std::string(uploadPath), ZLVHTTPMethodPost,
+          ZLVDictionary{{"d", std::move(records)}}, ZLVServiceTypeAnalytics),
+      {});
+}
+
+void ZLVAnalyticsTracker::requireEvents(std::string_view call) const {
+  merchantId(call);
+  deviceFacts(call);
+}

@@ -1,0 +1,101 @@
+#include <optional>
+#include <string_view>
+#include <utility>
+
+#include <ZolvaCheckoutKit/Core/Analytics/ZLVAnalyticsTracker.h>
+#include <ZolvaCheckoutKit/Core/Checkout/ZLVCheckoutProcessor.h>
+#include <ZolvaCheckoutKit/Core/Checkout/ZLVWebViewController.h>
+#include <ZolvaCheckoutKit/ZLVError.h>
+#include <ZolvaCheckoutKit/ZLVURL.h>
+
+namespace {
+
+/// What differs between the two ways through the processor.
+struct Flow {
+  std::string_view actionName;
+  std::optional<std::string_view> passThroughEvent;
+  std::string_view openedEvent;
+  std::string_view closedEvent;
+  std::string_view errorEvent;
+};
+
+constexpr Flow accountLinking{
+    .actionName = "activation-deeplink",
+    .passThroughEvent = ZLVEvent::linkAccountSuccess,
+    .openedEvent = ZLVEvent::linkAccountWebviewOpened,
+    .closedEvent = ZLVEvent::linkAccountSuccess,
+    .errorEvent = ZLVEvent::linkAccountError,
+};
+constexpr Flow charge{
+    .actionName = "user-verification",
+    .passThroughEvent = std::nullopt,
+    .openedEvent = ZLVEvent::createTransactionWebviewOpened,
+    .closedEvent = ZLVEvent::createTransactionSuccess,
+    .errorEvent = ZLVEvent::createTransactionError,
+};
+
+constexpr std::int64_t statusNeedsAction = 201;
+
+ZLVError missingURLError() {
+  return ZLVError::errorWithDomain(ZLVCheckoutErrorDomain, -1, {{"Error message", "url is null"}});
+}
+
+/// The URL of the last action of that name, even where an earlier one had a better URL.
+template <class Action>
+std::optional<ZLVURL> lastURL(const std::vector<std::shared_ptr<Action>>& actions,
+                              std::string_view name) {
+  std::optional<ZLVURL> url;
+  for (const auto& action : actions) {
+    if (action->name().text() != name) continue;
+    const auto text = action->url().text();
+    url = text ? ZLVURL::URLWithString(*text) : std::nullopt;
+  }
+  return url;
+}
+
+template <class Response, class Result>
+void process(const Flow& flow, std::shared_ptr<Response> response,
+             const std::shared_ptr<ZLVViewController>& viewController,
+             ZLVCompletion<std::shared_ptr<Result>> completion) {
+  auto& tracker = ZLVAnalyticsTracker::shared();
+  if (response->statusCode().integerValue() != statusNeedsAction || !response->actions()) {
+    if (flow.passThroughEvent) tracker.trackEventName(*flow.passThroughEvent);
+    return std::move(completion).succeed(std::move(response));
+  }
+
+  // Shared because the browser's callback is copyable; whoever calls it first uses it up.
+  auto pending = std::make_shared<decltype(completion)>(std::move(completion));
+  std::shared_ptr<ZLVWebViewController> browser;
+  if (const auto url = lastURL(*response->actions(), flow.actionName)) {
+    browser = ZLVWebViewController::initWithURL(*url, [pending, response, &flow] {
+      if (!*pending) return;
+      auto owner = std::move(*pending);
+      ZLVAnalyticsTracker::shared().trackEventName(flow.closedEvent);
+      std::move(owner).succeed(response);
+    });
+  }
+  if (browser == nullptr) {
+    auto error = missingURLError();
+    tracker.trackEventName(flow.errorEvent, error.debugDescription());
+    return std::move(*pending).fail(std::move(error));
+  }
+  browser->setModalPresentationStyle(ZLVModalPresentationStyle::FullScreen);
+  tracker.trackEventName(flow.openedEvent);
+  if (viewController != nullptr) viewController->presentViewController(std::move(browser), true);
+}
+
+}  // namespace
+
+void ZLVCheckoutProcessor::processAccountLinkingWithResponse(
+    std::shared_ptr<ZLVLinkAccountResponse> response,
+    const std::shared_ptr<ZLVViewController>& viewController,
+    ZLVCompletion<std::shared_ptr<ZLVLinkAccountResult>> completion) {
+  process(accountLinking, std::move(response), viewController, std::move(completion));
+}
+
+void ZLVCheckoutProcessor::processCreateTransactionWithResponse(
+    std::shared_ptr<ZLVTransactionResponse> response,
+    const std::shared_ptr<ZLVViewController>& viewController,
+    ZLVCompletion<std::shared_ptr<ZLVTransactionResult>> completion) {
+  process(charge, std::move(response), viewController, std::move(completion));
+}

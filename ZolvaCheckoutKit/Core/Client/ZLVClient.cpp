@@ -1,0 +1,177 @@
+#include <string_view>
+#include <typeinfo>
+#include <utility>
+
+#include <ZolvaCheckoutKit/Core/Analytics/ZLVAnalyticsTracker.h>
+#include <ZolvaCheckoutKit/Core/Checkout/ZLVCheckoutProcessor.h>
+#include <ZolvaCheckoutKit/Core/Checkout/ZLVWebViewController.h>
+#include <ZolvaCheckoutKit/Core/Helpers/ZLVJSONSerialization.h>
+#include <ZolvaCheckoutKit/Core/Helpers/ZLVText.h>
+#include <ZolvaCheckoutKit/Core/Network/ZLVNetwork.h>
+#include <ZolvaCheckoutKit/Platform/ZLVPlatform.h>
+#include <ZolvaCheckoutKit/ZLVClient.h>
+#include <ZolvaCheckoutKit/ZLVVendor.h>
+
+namespace {
+
+/// One call to the merchant server.
+struct Operation {
+  std::string_view name;
+  std::string_view pathFormat;
+  ZLVHTTPMethod method;
+  std::string_view errorEvent;
+};
+
+constexpr Operation linkAccount{"linkAccountWithPaymentType", "/v2/pay/account/", ZLVHTTPMethodPost,
+                                ZLVEvent::linkAccountError};
+constexpr Operation enquireAccount{"enquireAccountWithAccountID", "/v2/pay/account/%@",
+                                   ZLVHTTPMethodGet, ZLVEvent::enquireAccountError};
+constexpr Operation disableAccount{"disableAccountWithAccountID", "/v2/pay/account/%@/unbind",
+                                   ZLVHTTPMethodPost, ZLVEvent::unlinkAccountError};
+constexpr Operation createTransaction{"createTransactionWithPaymentType", "/v2/charge",
+                                      ZLVHTTPMethodPost, ZLVEvent::createTransactionError};
+
+constexpr std::string_view paymentTypeKey = "payment_type";
+
+/// `value` (an optional or a pointer), without which the call cannot be made.
+template <class Value>
+auto& required(Value& value, std::string_view what, const Operation& operation) {
+  if (value) return *value;
+  throw ZLVProgrammingFault(ZLVStringWithFormat("%@: no %@", {operation.name, what}));
+}
+
+template <class Result>
+using Owner = ZLVCompletion<std::shared_ptr<Result>>;
+
+/// Sends the call. A dictionary that comes back goes to `accept` together with the completion; an
+/// error, or an answer of another kind, is recorded and completes.
+template <class Result, class Accept>
+void perform(const Operation& operation, std::string_view accountID, ZLVValue parameters,
+             ZLVCompletionHandler<Result> handler, Accept accept) {
+  const auto& baseURL =
+      required(ZLVVendor::shared().merchantSeverURL(),
+               "merchant server URL (call initWithMerchantServerURL first)", operation);
+  ZLVAnalyticsTracker::shared().requireEvents(operation.name);
+
+  auto service = ZLVNetworkService::initWithBaseURL(
+      baseURL, ZLVStringWithFormat(operation.pathFormat, {accountID}), operation.method,
+      std::move(parameters), ZLVServiceTypeMerchant);
+  ZLVNetwork::shared().request(
+      std::move(service), [&operation, accept = std::move(accept), handler = std::move(handler)](
+                              ZLVValue answer, std::optional<ZLVError> error) mutable {
+        Owner<Result> completion(std::move(handler));
+        if (!error && answer.dictionary() == nullptr) {
+          error = ZLVJSONSerialization::notAnObjectError();
+        }
+        if (!error) return accept(answer, std::move(completion));
+        ZLVAnalyticsTracker::shared().trackEventName(operation.errorEvent,
+                                                     error->debugDescription());
+        std::move(completion).fail(*std::move(error));
+      });
+}
+
+/// What the calls without a page do with their answer.
+template <class Result>
+auto recordAndComplete(std::string_view successEvent) {
+  return [successEvent](const ZLVValue& answer, Owner<Result> completion) {
+    ZLVAnalyticsTracker::shared().trackEventName(successEvent);
+    std::move(completion).succeed(Result::initWithDictionary(answer));
+  };
+}
+
+}  // namespace
+
+void ZLVClient::initWithMerchantServerURL(Text merchantServerURL, Text merchantId, Text callbackUrl,
+                                          bool isLoggingEnabled) {
+  auto& vendor = ZLVVendor::shared();
+  vendor.setMerchantSeverURL(std::move(merchantServerURL));
+  vendor.setCallbackUrl(std::move(callbackUrl));
+  vendor.setIsLoggingEnabled(isLoggingEnabled);
+  vendor.setMerchantId(merchantId);
+  ZLVAnalyticsTracker::shared().setIdentity(merchantId);
+}
+
+void ZLVClient::linkAccountWithPaymentType(Text paymentType,
+                                           std::shared_ptr<ZLVPartnerDetails> zolvaPartnerDetails,
+                                           std::shared_ptr<ZLVViewController> viewController,
+                                           ZLVCompletionHandler<ZLVLinkAccountResult> completion) {
+  ZLVDictionary body{
+      {std::string(paymentTypeKey), required(paymentType, "payment type", linkAccount)}};
+  if (zolvaPartnerDetails != nullptr) body.merge(zolvaPartnerDetails->dictionaryValue());
+
+  perform<ZLVLinkAccountResult>(linkAccount, {}, std::move(body), std::move(completion),
+                                [viewController = std::move(viewController)](
+                                    const ZLVValue& answer, Owner<ZLVLinkAccountResult> owner) {
+                                  ZLVCheckoutProcessor::processAccountLinkingWithResponse(
+                                      ZLVLinkAccountResponse::initWithDictionary(answer),
+                                      viewController, std::move(owner));
+                                });
+}
+
+void ZLVClient::enquireAccountWithAccountID(Text accountID,
+                                            ZLVCompletionHandler<ZLVAccountInfo> completion) {
+  perform<ZLVAccountInfo>(enquireAccount, required(accountID, "account id", enquireAccount), {},
+                          std::move(completion),
+                          recordAndComplete<ZLVAccountInfo>(ZLVEvent::enquireAccountSuccess));
+}
+
+void ZLVClient::disableAccountWithAccountID(
+    Text accountID, ZLVCompletionHandler<ZLVDisableAccountResult> completion) {
+  perform<ZLVDisableAccountResult>(
+      disableAccount, required(accountID, "account id", disableAccount), {}, std::move(completion),
+      recordAndComplete<ZLVDisableAccountResult>(ZLVEvent::unlinkAccountSuccess));
+}
+
+void ZLVClient::createTransactionWithPaymentType(
+    Text paymentType, std::shared_ptr<ZLVViewController> viewController,
+    std::shared_ptr<ZLVZolvaDetails> zolvaDetails,
+    std::shared_ptr<ZLVTransactionDetails> transactionDetails,
+    std::shared_ptr<ZLVCustomerDetails> customerDetails, ZLVRecords<ZLVItemDetails> itemDetails,
+    ZLVCompletionHandler<ZLVTransactionResult> completion) {
+  constexpr const auto& call = createTransaction;
+  ZLVDictionary body{
+      {std::string(paymentTypeKey), required(paymentType, "payment type", call)},
+      {"zolva", required(zolvaDetails, "wallet details", call).dictionaryValue()},
+      {"transaction_details",
+       required(transactionDetails, "transaction details", call).dictionaryValue()},
+      {"customer_details", required(customerDetails, "customer details", call).dictionaryValue()}};
+  if (itemDetails) {
+    ZLVArray items;
+    for (const auto& item : *itemDetails) {
+      items.emplace_back(required(item, "item", call).dictionaryValue());
+    }
+    body.set("item_details", std::move(items));
+  }
+
+  perform<ZLVTransactionResult>(call, {}, std::move(body), std::move(completion),
+                                [viewController = std::move(viewController)](
+                                    const ZLVValue& answer, Owner<ZLVTransactionResult> owner) {
+                                  ZLVCheckoutProcessor::processCreateTransactionWithResponse(
+                                      ZLVTransactionResponse::initWithDictionary(answer),
+                                      viewController, std::move(owner));
+                                });
+}
+
+void ZLVClient::handleCallbackUrl(const ZLVURL& url) {
+  const auto& callbackUrl = ZLVVendor::shared().callbackUrl();
+  if (!callbackUrl || callbackUrl->empty()) return;
+  if (url.absoluteString().find(*callbackUrl) == std::string::npos) return;
+
+  // Exact classes: a host's subclass of either is its own affair.
+  const auto isNavigation = [](const ZLVViewController& controller) {
+    return typeid(controller) == typeid(ZLVNavigationController);
+  };
+  auto current =
+      ZLVPlatform::installed("handleCallbackUrl").userInterface->keyWindowRootViewController();
+  while (current != nullptr && (isNavigation(*current) || current->presentedViewController())) {
+    if (!isNavigation(*current)) {
+      current = current->presentedViewController();
+    } else if (current->childViewControllers().empty()) {
+      current = nullptr;
+    } else {
+      current = current->childViewControllers().back();
+    }
+  }
+  if (current == nullptr || typeid(*current) != typeid(ZLVWebViewController)) return;
+  current->dismissViewControllerAnimated(true);
+}

@@ -1,0 +1,209 @@
+#include <cmath>
+#include <cstdint>
+#include <utility>
+#include <vector>
+
+#include <ZolvaCheckoutKit/Core/Helpers/ZLVJSONSerialization.h>
+
+// The JSON library is compiled in under a namespace of its own, so that it can never meet another
+// copy that the host links.
+#include <boost/config.hpp>
+namespace zlv_boost {
+using boost::long_long_type;
+using boost::ulong_long_type;
+}  // namespace zlv_boost
+#define boost zlv_boost
+#include <boost/json/basic_parser_impl.hpp>
+#include <boost/json/src.hpp>
+#undef boost
+
+#include <ZolvaCheckoutKit/Core/Helpers/ZLVText.h>
+#include <ZolvaCheckoutKit/ZLVMappable.h>
+
+namespace {
+
+namespace json = zlv_boost::json;
+
+constexpr std::size_t maximumDepth = 512;
+constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
+
+/// Builds the value straight from the parser's events. A container's entries wait on one stack
+/// until it ends.
+class ValueBuilder {
+ public:
+  static constexpr std::size_t max_object_size = SIZE_MAX;
+  static constexpr std::size_t max_array_size = SIZE_MAX;
+  static constexpr std::size_t max_key_size = SIZE_MAX;
+  static constexpr std::size_t max_string_size = SIZE_MAX;
+
+  ZLVValue takeValue() { return std::move(entries_.back().second); }
+
+  bool on_document_begin(json::error_code&) { return true; }
+  bool on_document_end(json::error_code&) { return true; }
+
+  bool on_object_begin(json::error_code&) {
+    keys_.push_back(std::move(key_));
+    return true;
+  }
+  bool on_object_end(std::size_t count, json::error_code&) {
+    const auto first = entries_.end() - static_cast<std::ptrdiff_t>(count);
+    ZLVDictionary dictionary(std::vector<ZLVDictionary::Entry>(
+        std::make_move_iterator(first), std::make_move_iterator(entries_.end())));
+    return endContainer(count, std::move(dictionary));
+  }
+  bool on_array_begin(json::error_code& error) { return on_object_begin(error); }
+  bool on_array_end(std::size_t count, json::error_code&) {
+    ZLVArray array;
+    array.reserve(count);
+    for (auto entry = entries_.end() - static_cast<std::ptrdiff_t>(count); entry != entries_.end();
+         ++entry) {
+      array.push_back(std::move(entry->second));
+    }
+    return endContainer(count, std::move(array));
+  }
+
+  bool on_key_part(json::string_view part, std::size_t, json::error_code&) {
+    key_.append(part.data(), part.size());
+    return true;
+  }
+  bool on_key(json::string_view part, std::size_t length, json::error_code& error) {
+    return on_key_part(part, length, error);
+  }
+  bool on_string_part(json::string_view part, std::size_t, json::error_code&) {
+    text_.append(part.data(), part.size());
+    return true;
+  }
+  bool on_string(json::string_view part, std::size_t length, json::error_code& error) {
+    return on_string_part(part, length, error) && add(std::exchange(text_, {}));
+  }
+  bool on_number_part(json::string_view, json::error_code&) { return true; }
+  bool on_int64(std::int64_t number, json::string_view, json::error_code&) { return add(number); }
+  bool on_uint64(std::uint64_t number, json::string_view, json::error_code&) { return add(number); }
+  bool on_double(double number, json::string_view, json::error_code& error) {
+    if (std::isfinite(number)) return add(number);
+    error = json::error::exponent_overflow;
+    return false;
+  }
+  bool on_bool(bool boolean, json::error_code&) { return add(boolean); }
+  bool on_null(json::error_code&) { return add(nullptr); }
+  bool on_comment_part(json::string_view, json::error_code&) { return true; }
+  bool on_comment(json::string_view, json::error_code&) { return true; }
+
+ private:
+  bool add(ZLVValue value) {
+    entries_.emplace_back(std::exchange(key_, {}), std::move(value));
+    return true;
+  }
+  bool endContainer(std::size_t count, ZLVValue container) {
+    entries_.resize(entries_.size() - count);
+    key_ = std::move(keys_.back());
+    keys_.pop_back();
+    return add(std::move(container));
+  }
+
+  std::vector<ZLVDictionary::Entry> entries_;  // key and value; the key is empty in arrays
+  std::vector<std::string> keys_;              // of the containers still open
+  std::string key_;
+  std::string text_;
+};
+
+ZLVError readingError(std::string_view description) {
+  return ZLVError::errorWithDomain(
+      NSCocoaErrorDomain, NSPropertyListReadCorruptError,
+      ZLVDictionary{{std::string(NSLocalizedDescriptionKey), description}});
+}
+
+class Writer {
+ public:
+  explicit Writer(ZLVJSONSerialization::Unwritable unwritable) : unwritable_(unwritable) {}
+
+  std::string text;
+
+  bool write(const ZLVValue& value) {
+    using Kind = ZLVValue::Kind;
+    switch (value.kind()) {
+      case Kind::Null:
+        return put("null");
+      case Kind::Boolean:
+        return put(*value.boolean() ? "true" : "false");
+      case Kind::Double:
+        return std::isfinite(*value.number()) ? put(value.description()) : writeUnwritable();
+      case Kind::Integer:
+      case Kind::Unsigned:
+        return put(value.description());
+      case Kind::Text:
+        return writeText(*value.text());
+      case Kind::Array:
+        return writeList('[', *value.array(), ']',
+                         [this](const ZLVValue& item) { return write(item); });
+      case Kind::Dictionary:
+        return writeDictionary(*value.dictionary());
+      case Kind::Record:
+        if (unwritable_ == ZLVJSONSerialization::Unwritable::Refuse) return false;
+        return writeDictionary(value.record()->dictionaryValue());
+      case Kind::Absent:
+        break;
+    }
+    return writeUnwritable();
+  }
+
+ private:
+  bool put(std::string_view piece) {
+    text += piece;
+    return true;
+  }
+  bool writeUnwritable() {
+    return unwritable_ == ZLVJSONSerialization::Unwritable::Describe && put("null");
+  }
+  bool writeText(std::string_view value) {
+    if (!ZLVIsUTF8(value)) return writeUnwritable();
+    return put(json::serialize(json::string_view(value.data(), value.size())));
+  }
+  bool writeDictionary(const ZLVDictionary& dictionary) {
+    return writeList('{', dictionary, '}', [this](const ZLVDictionary::Entry& entry) {
+      return writeText(entry.first) && put(":") && write(entry.second);
+    });
+  }
+  template <class List, class WriteItem>
+  bool writeList(char open, const List& list, char close, WriteItem writeItem) {
+    text += open;
+    bool isFirst = true;
+    for (const auto& item : list) {
+      if (!std::exchange(isFirst, false)) text += ',';
+      if (!writeItem(item)) return false;
+    }
+    text += close;
+    return true;
+  }
+
+  ZLVJSONSerialization::Unwritable unwritable_;
+};
+
+}  // namespace
+
+std::variant<ZLVValue, ZLVError> ZLVJSONSerialization::JSONObjectWithData(std::string_view data) {
+  std::size_t offset = 0;
+  if (data.starts_with(byteOrderMark)) offset = byteOrderMark.size();
+  if (data.size() == offset) return readingError("The answer is empty.");
+
+  json::parse_options options;
+  options.max_depth = maximumDepth;
+  json::basic_parser<ValueBuilder> parser(options);
+  json::error_code error;
+  offset += parser.write_some(false, data.data() + offset, data.size() - offset, error);
+  if (!error && offset < data.size()) error = json::error::extra_data;
+  if (!error) return parser.handler().takeValue();
+  return readingError("The answer is not valid JSON: " + error.message() + " at byte " +
+                      std::to_string(offset) + ".");
+}
+
+std::optional<std::string> ZLVJSONSerialization::dataWithJSONObject(const ZLVValue& value,
+                                                                    Unwritable unwritable) {
+  Writer writer(unwritable);
+  if (!writer.write(value)) return std::nullopt;
+  return std::move(writer.text);
+}
+
+ZLVError ZLVJSONSerialization::notAnObjectError() {
+  return readingError("The answer is not a JSON object.");
+}

@@ -1,0 +1,34 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <variant>
+
+#include <ZolvaCheckoutKit/ZLVError.h>
+#include <ZolvaCheckoutKit/ZLVValue.h>
+
+/// JSON text to values and back. The only place that knows the JSON library. Any thread.
+class ZLVJSONSerialization {
+ public:
+  ZLVJSONSerialization() = delete;
+
+  /// What a value has that JSON text has not: a record, an absent value, a number that is not
+  /// finite, a text that is not UTF-8.
+  enum class Unwritable {
+    Refuse,    ///< Writing fails.
+    Describe,  ///< A record is written as its dictionary, anything else as null.
+  };
+
+  /// Reads one JSON value of any kind. Strict RFC 8259 after an optional byte-order mark: UTF-8 is
+  /// validated, at most 512 levels deep, of equal keys the last one stays, integers keep 64 bits
+  /// and larger ones become doubles. The error is of `NSCocoaErrorDomain` and tells the offset.
+  static std::variant<ZLVValue, ZLVError> JSONObjectWithData(std::string_view data);
+
+  /// Compact JSON text, or nothing where it cannot be written.
+  static std::optional<std::string> dataWithJSONObject(const ZLVValue& value,
+                                                       Unwritable unwritable = Unwritable::Refuse);
+
+  /// The reading error of an answer that is JSON but not an object.
+  static ZLVError notAnObjectError();
+};

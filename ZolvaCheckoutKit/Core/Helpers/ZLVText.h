@@ -1,0 +1,30 @@
+#pragma once
+
+#include <initializer_list>
+#include <optional>
+#include <string>
+#include <string_view>
+
+/// What stands for a missing object in a formatted text.
+inline constexpr std::string_view ZLVMissingObjectText = "(null)";
+
+/// `format` with each "%@" replaced by the next of `arguments`; a missing one prints as "(null)".
+std::string ZLVStringWithFormat(std::string_view format,
+                                std::initializer_list<std::optional<std::string_view>> arguments);
+
+/// Whether the bytes are UTF-8 as RFC 3629 has it: no overlong forms, no surrogates.
+bool ZLVIsUTF8(std::string_view bytes) noexcept;
+
+/// `text` with its control characters written as JSON writes them, so that it stays one line.
+std::string ZLVOneLine(std::string_view text);
+
+/// The shortest decimal text that reads back as `number`.
+std::string ZLVDecimalText(double number);
+
+/// The value of a hexadecimal digit, or -1.
+constexpr int ZLVHexDigit(char character) noexcept {
+  if (character >= '0' && character <= '9') return character - '0';
+  if (character >= 'a' && character <= 'f') return character - 'a' + 10;
+  if (character >= 'A' && character <= 'F') return character - 'A' + 10;
+  return -1;
+}

@@ -1,0 +1,52 @@
+#pragma once
+
+#include <concepts>
+#include <memory>
+#include <type_traits>
+#include <utility>
+
+template <class Signature>
+class ZLVOnce;
+
+/// A move-only function that is called at most once: calling it uses it up. It may hold move-only
+/// things, which go with the call or with the last owner.
+///
+/// ```cpp
+/// ZLVOnce<void(int)> answer = [owner = std::move(owner)](int value) { owner->accept(value); };
+/// std::move(answer)(42);
+/// ```
+template <class... Arguments>
+class ZLVOnce<void(Arguments...)> {
+ public:
+  ZLVOnce() noexcept = default;
+  template <class Function>
+  requires(!std::same_as<std::remove_cvref_t<Function>, ZLVOnce> &&
+           std::invocable<std::remove_cvref_t<Function>, Arguments...>) ZLVOnce(Function&& function)
+      : target_(std::make_unique<Target<std::remove_cvref_t<Function>>>(
+            std::forward<Function>(function))) {}
+
+  /// Whether there is still something to call.
+  explicit operator bool() const noexcept { return target_ != nullptr; }
+
+  /// Does nothing when empty.
+  void operator()(Arguments... arguments) && {
+    if (auto target = std::move(target_)) target->call(std::forward<Arguments>(arguments)...);
+  }
+
+ private:
+  struct Callable {
+    virtual ~Callable() = default;
+    virtual void call(Arguments... arguments) = 0;
+  };
+  template <class Function>
+  struct Target final : Callable {
+    template <class Source>
+    explicit Target(Source&& source) : function(std::forward<Source>(source)) {}
+    void call(Arguments... arguments) override {
+      std::move(function)(std::forward<Arguments>(arguments)...);
+    }
+    Function function;
+  };
+
+  std::unique_ptr<Callable> target_;
+};

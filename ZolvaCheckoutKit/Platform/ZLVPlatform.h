@@ -1,0 +1,43 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include <ZolvaCheckoutKit/Platform/ZLVDevice.h>
+#include <ZolvaCheckoutKit/Platform/ZLVMainQueue.h>
+#include <ZolvaCheckoutKit/Platform/ZLVSystemLog.h>
+#include <ZolvaCheckoutKit/Platform/ZLVURLSession.h>
+#include <ZolvaCheckoutKit/Platform/ZLVUserInterface.h>
+#include <ZolvaCheckoutKit/ZLVExport.h>
+
+/// Everything that the library asks of the machine it runs on, in one place.
+///
+/// A backend fills one in; a host may replace any part of it before installing it:
+///
+/// ```cpp
+/// ZLVPlatform platform = ZLVLinuxPlatform::platformWithOptions(options);
+/// platform.userInterface = std::make_shared<MyUserInterface>();
+/// ZLVPlatform::install(std::move(platform));
+/// ```
+struct ZLV_EXPORT ZLVPlatform {
+  /// Makes a session; called on any thread, once for each network executor.
+  std::function<std::unique_ptr<ZLVURLSession>()> makeURLSession;
+  std::shared_ptr<ZLVMainQueue> mainQueue;
+  std::shared_ptr<ZLVSystemLog> systemLog;
+  std::shared_ptr<ZLVDevice> device;
+  std::shared_ptr<ZLVUserInterface> userInterface;
+  /// Base URL of the analytics service, ending in "/", where it is not the usual one.
+  std::optional<std::string> analyticsRootURL;
+
+  /// Gives the library its platform, which it keeps until the process ends. Once, on the main
+  /// thread, before anything else. Throws `ZLVProgrammingFault` when a part is missing or a
+  /// platform is installed already.
+  static void install(ZLVPlatform platform);
+
+  /// The installed platform; any thread. Throws `ZLVProgrammingFault`, naming `call`, when there is
+  /// none.
+  static const ZLVPlatform& installed(std::string_view call);
+};

@@ -1,0 +1,26 @@
+#include <utility>
+
+#include <ZolvaCheckoutKit/Platform/ZLVPlatform.h>
+#include <ZolvaCheckoutKit/Platform/ZLVUserInterface.h>
+
+ZLVBrowserViewController::ZLVBrowserViewController(std::unique_ptr<ZLVBrowser> browser)
+    : browser_(std::move(browser)) {}
+
+ZLVBrowserViewController::~ZLVBrowserViewController() = default;
+
+void ZLVBrowserViewController::setDismissButtonStyle(ZLVDismissButtonStyle style) {
+  browser_->setDismissButtonStyle(style);
+}
+
+std::unique_ptr<ZLVBrowser> ZLVBrowserViewController::browserWithURL(const ZLVURL& url) {
+  if (url.scheme() != "http" && url.scheme() != "https") return nullptr;
+  return ZLVPlatform::installed("ZLVBrowserViewController").userInterface->makeBrowser(url);
+}
+
+void ZLVBrowserViewController::viewWillAppear(bool animated) {
+  browser_->show(*presentingViewController(), animated, [weak = weak_from_this()] {
+    if (const auto self = weak.lock()) self->dismissViewControllerAnimated(false);
+  });
+}
+
+void ZLVBrowserViewController::viewWillDisappear(bool animated) { browser_->hide(animated); }

@@ -1,0 +1,65 @@
+#pragma once
+
+#include <memory>
+#include <optional>
+
+#include <ZolvaCheckoutKit/Platform/ZLVOnce.h>
+#include <ZolvaCheckoutKit/Platform/ZLVViewController.h>
+#include <ZolvaCheckoutKit/ZLVExport.h>
+#include <ZolvaCheckoutKit/ZLVURL.h>
+
+/// The label of an in-app browser's dismiss button.
+enum class ZLVDismissButtonStyle : std::int64_t { Done = 0, Close = 1, Cancel = 2 };
+
+/// One in-app browser, made for one URL and shown at most once. Main thread only.
+class ZLV_EXPORT ZLVBrowser {
+ public:
+  /// Takes whatever is still on the screen off it, without calling `closed`.
+  virtual ~ZLVBrowser() = default;
+
+  /// Called before `show` or never.
+  virtual void setDismissButtonStyle(ZLVDismissButtonStyle style) = 0;
+
+  /// Shows the page over the content of `presenter`, which outlives the browser or takes it along.
+  /// `closed` is called when the user closes the browser, or when it cannot be shown at all, and
+  /// never inside this call; the browser may be destroyed before that call returns.
+  virtual void show(ZLVViewController& presenter, bool animated, ZLVOnce<void()> closed) = 0;
+
+  /// Takes the page off the screen, without calling `closed`.
+  virtual void hide(bool animated) = 0;
+};
+
+/// The application's user interface. Main thread only.
+class ZLV_EXPORT ZLVUserInterface {
+ public:
+  virtual ~ZLVUserInterface() = default;
+
+  /// The root view controller of the window that has the keys; null when there is none.
+  [[nodiscard]] virtual std::shared_ptr<ZLVViewController> keyWindowRootViewController() = 0;
+
+  /// A browser for an http or https URL, not yet shown; null when there can be none.
+  [[nodiscard]] virtual std::unique_ptr<ZLVBrowser> makeBrowser(const ZLVURL& url) = 0;
+
+  /// Hands a URL of another scheme to whatever application claims it. False when it was not taken.
+  virtual bool openURL(const ZLVURL& url) = 0;
+};
+
+/// A view controller that shows one web page with a button to close it.
+class ZLV_EXPORT ZLVBrowserViewController : public ZLVViewController {
+ public:
+  ~ZLVBrowserViewController() override;
+
+  void setDismissButtonStyle(ZLVDismissButtonStyle style);
+
+ protected:
+  explicit ZLVBrowserViewController(std::unique_ptr<ZLVBrowser> browser);
+
+  /// The installed platform's browser for the URL; null for anything but http and https.
+  static std::unique_ptr<ZLVBrowser> browserWithURL(const ZLVURL& url);
+
+  void viewWillAppear(bool animated) override;
+  void viewWillDisappear(bool animated) override;
+
+ private:
+  std::unique_ptr<ZLVBrowser> browser_;
+};
