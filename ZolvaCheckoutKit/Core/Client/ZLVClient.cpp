@@ -158,8 +158,11 @@ void ZLVClient::handleCallbackUrl(const ZLVURL& url) {
   if (url.absoluteString().find(*callbackUrl) == std::string::npos) return;
 
   // Exact classes: a host's subclass of either is its own affair.
-  const auto isNavigation = [](const ZLVViewController& controller) {
-    return typeid(controller) == typeid(ZLVNavigationController);
+  const auto is = [](const ZLVViewController& controller, const std::type_info& type) {
+    return typeid(controller) == type;
+  };
+  const auto isNavigation = [&is](const ZLVViewController& controller) {
+    return is(controller, typeid(ZLVNavigationController));
   };
   auto current =
       ZLVPlatform::installed("handleCallbackUrl").userInterface->keyWindowRootViewController();
@@ -172,6 +175,7 @@ void ZLVClient::handleCallbackUrl(const ZLVURL& url) {
       current = current->childViewControllers().back();
     }
   }
-  if (current == nullptr || typeid(*current) != typeid(ZLVWebViewController)) return;
-  current->dismissViewControllerAnimated(true);
+  if (current != nullptr && is(*current, typeid(ZLVWebViewController))) {
+    current->dismissViewControllerAnimated(true);
+  }
 }

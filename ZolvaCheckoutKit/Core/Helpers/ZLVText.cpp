@@ -10,6 +10,7 @@ std::string ZLVStringWithFormat(std::string_view format,
   std::string text;
   for (const auto& argument : arguments) {
     const auto position = format.find(placeholder);
+    if (position == std::string_view::npos) break;
     text += format.substr(0, position);
     text += argument.value_or(ZLVMissingObjectText);
     format.remove_prefix(position + placeholder.size());

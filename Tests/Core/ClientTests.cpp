@@ -1,0 +1,362 @@
+#include <gtest/gtest.h>
+
+#include "Tests/Support/FakePlatform.h"
+#include "ZolvaCheckoutKit/Core/Checkout/ZLVWebViewController.h"
+
+namespace {
+
+class Client : public testing::Test {
+ protected:
+  void SetUp() override {
+    FakePlatform::configure();
+    platform.ui->root = presenter;
+  }
+
+  /// A completion that notes its call in the journal.
+  template <class Record>
+  ZLVCompletionHandler<Record> note() {
+    return [this](std::shared_ptr<Record> record, const std::optional<ZLVError>& error) {
+      EXPECT_NE(record == nullptr, !error);
+      result = record;
+      failure = error;
+      journal().push_back("completion");
+    };
+  }
+  void link() {
+    ZLVClient::linkAccountWithPaymentType("zolva",
+                                          ZLVPartnerDetails::initWithPhoneNumber("81", "62"),
+                                          presenter, note<ZLVLinkAccountResult>());
+  }
+  void charge(ZLVRecords<ZLVItemDetails> items = {}) {
+    ZLVClient::createTransactionWithPaymentType(
+        "zolva", presenter, ZLVZolvaDetails::initWithAccountID("acc", "tok"),
+        ZLVTransactionDetails::initWithGrossAmount(10000, "o-1", "IDR"),
+        ZLVCustomerDetails::initWithPhoneNumber("81", "Ada", "L", "a@b.c"), std::move(items),
+        note<ZLVTransactionResult>());
+  }
+  void answer(int status, const std::string& body) {
+    platform.session.merchant.back().answer(status, body);
+    platform.queue->drain();
+  }
+  ZLVDictionary sentBody() {
+    return FakePlatform::parsed(*platform.session.merchant.back().request.HTTPBody);
+  }
+  Journal& journal() { return platform.ui->journal; }
+  Journal takeJournal() { return std::exchange(journal(), {}); }
+
+  FakePlatform platform;
+  std::shared_ptr<ZLVViewController> presenter = std::make_shared<ZLVViewController>();
+  std::shared_ptr<ZLVMappable> result;
+  std::optional<ZLVError> failure;
+};
+
+std::string actions(const std::string& list) {
+  return R"({"status_code":"201","actions":[)" + list + "]}";
+}
+std::string action(const std::string& name, const std::string& url) {
+  return R"({"name":")" + name + R"(","method":"GET","url":")" + url + "\"}";
+}
+
+struct Subclass : ZLVNavigationController {};
+
+}  // namespace
+
+TEST_F(Client, SendsItsRequests) {
+  ZLVClient::enquireAccountWithAccountID("abc", {});
+  ZLVClient::disableAccountWithAccountID("abc", {});
+  link();
+  EXPECT_EQ(sentBody(),
+            (ZLVDictionary{{"payment_type", "zolva"},
+                           {"zolva_partner", ZLVDictionary{{"phone_number", "81"},
+                                                           {"country_code", "62"},
+                                                           {"redirect_url", "app://done"}}}}));
+  ZLVClient::linkAccountWithPaymentType("zolva", nullptr, nullptr, {});
+  EXPECT_EQ(sentBody(), (ZLVDictionary{{"payment_type", "zolva"}}));
+
+  charge();
+  const auto body = sentBody();
+  EXPECT_EQ(body.size(), 4U);
+  for (const auto* key : {"payment_type", "zolva", "transaction_details", "customer_details"}) {
+    EXPECT_TRUE(body.contains(key)) << key;
+  }
+  charge(std::vector<std::shared_ptr<ZLVItemDetails>>{});
+  EXPECT_EQ(sentBody()["item_details"], ZLVValue(ZLVArray{}));
+  charge(std::vector{ZLVItemDetails::initWithIthItemID("1", {}, {}, {}, {}),
+                     ZLVItemDetails::initWithIthItemID("2", {}, {}, {}, {})});
+  EXPECT_EQ(sentBody()["item_details"],
+            ZLVValue(ZLVArray{ZLVDictionary{{"id", "1"}}, ZLVDictionary{{"id", "2"}}}));
+
+  std::vector<std::string> sent;
+  for (const auto& task : platform.session.merchant) {
+    sent.push_back(task.request.HTTPMethod + " " + task.request.URL->absoluteString());
+  }
+  const std::string root = "https://shop.test/pay/v2/";
+  EXPECT_EQ(sent,
+            (std::vector<std::string>{
+                "GET " + root + "pay/account/abc", "POST " + root + "pay/account/abc/unbind",
+                "POST " + root + "pay/account", "POST " + root + "pay/account",
+                "POST " + root + "charge", "POST " + root + "charge", "POST " + root + "charge"}));
+}
+
+TEST_F(Client, RecordsTheEventBeforeItCompletes) {
+  const std::string ok = R"({"status_code":"200","account_id":"abc"})";
+  ZLVClient::enquireAccountWithAccountID("abc", note<ZLVAccountInfo>());
+  answer(200, ok);
+  EXPECT_EQ(takeJournal(), (Journal{"Enquire Account Success", "completion"}));
+  ZLVClient::disableAccountWithAccountID("abc", note<ZLVDisableAccountResult>());
+  answer(204, ok);
+  EXPECT_EQ(takeJournal(), (Journal{"Unlink Account Success", "completion"}));
+
+  struct Case {
+    std::function<void()> call;
+    const char* event;
+  };
+  const Case cases[] = {
+      {[this] { link(); }, "Link Account Error"},
+      {[this] { charge(); }, "Create Transaction Error"},
+      {[this] { ZLVClient::enquireAccountWithAccountID("a", note<ZLVAccountInfo>()); },
+       "Enquire Account Error"},
+      {[this] { ZLVClient::disableAccountWithAccountID("a", note<ZLVDisableAccountResult>()); },
+       "Unlink Account Error"}};
+  for (const auto& [call, event] : cases) {
+    call();
+    answer(404, R"({"status_message":"Unknown"})");
+    EXPECT_EQ(takeJournal(), (Journal{event, "completion"}));
+    EXPECT_EQ(failure->code(), 404);
+    EXPECT_EQ((*(*platform.lastUpload()[0].dictionary())["evtData"].dictionary())["details"],
+              ZLVValue(failure->debugDescription()));
+    call();
+    answer(200, "[]");
+    EXPECT_EQ(takeJournal(), (Journal{event, "completion"}));
+    EXPECT_EQ(failure->localizedDescription(), "The answer is not a JSON object.");
+  }
+}
+
+TEST_F(Client, ChoosesThePage) {
+  const std::string good = "https://wallet.test/1", other = "https://wallet.test/2";
+  const std::string wanted = "activation-deeplink", verify = "user-verification";
+  const Journal passedThrough{"Link Account Success", "completion"};
+  const Journal refused{"Link Account Error", "completion"};
+  const auto shown = [](const std::string& url) {
+    return Journal{"Link Account Webview is Opened", "show " + url};
+  };
+  const std::pair<std::string, Journal> cases[] = {
+      {R"({"status_code":"200","actions":[)" + action(wanted, good) + "]}", passedThrough},
+      {R"({"actions":[)" + action(wanted, good) + "]}", passedThrough},
+      {R"({"status_code":"201"})", passedThrough},
+      {R"({"status_code":"201","actions":null})", passedThrough},
+      {actions(""), refused},
+      {actions(action(verify, good)), refused},
+      {actions(action("Activation-Deeplink", good)), refused},
+      {actions(action(wanted, good) + "," + action(wanted, "no url")), refused},
+      {actions(action(wanted, good) + R"(,{"name":"activation-deeplink"})"), refused},
+      {actions(action(wanted, "zolva://pay")), refused},
+      {actions(action(wanted, "")), refused},
+      {actions(action(wanted, good)), shown(good)},
+      {R"({"status_code":201.7,"actions":[)" + action(wanted, good) + "]}", shown(good)},
+      {actions(action(wanted, good) + "," + action(wanted, other) + "," + action(verify, good)),
+       shown(other)},
+  };
+  for (const auto& [body, expected] : cases) {
+    link();
+    answer(200, body);
+    EXPECT_EQ(takeJournal(), expected) << body;
+    if (expected == refused) {
+      EXPECT_EQ(failure->domain(), ZLVCheckoutErrorDomain);
+      EXPECT_EQ(failure->code(), -1);
+      EXPECT_EQ(failure->userInfo(), (ZLVDictionary{{"Error message", "url is null"}}));
+    }
+    presenter->dismissViewControllerAnimated(false);
+    journal().clear();
+  }
+}
+
+TEST_F(Client, ChargeReportsOnlyWhatItsPageDoes) {
+  charge();
+  answer(200, R"({"status_code":"200"})");
+  EXPECT_EQ(takeJournal(), (Journal{"completion"}));
+
+  charge();
+  answer(200, actions(action("activation-deeplink", "https://w.test")));
+  EXPECT_EQ(takeJournal(), (Journal{"Create Transaction Error", "completion"}));
+
+  charge();
+  answer(201, actions(action("user-verification", "https://w.test")));
+  EXPECT_EQ(takeJournal(),
+            (Journal{"Create Transaction Webview is Opened", "show https://w.test"}));
+  EXPECT_EQ(platform.ui->browser->style, ZLVDismissButtonStyle::Close);
+  EXPECT_EQ(presenter->presentedViewController()->modalPresentationStyle(),
+            ZLVModalPresentationStyle::FullScreen);
+  std::move(platform.ui->browser->closed)();
+  EXPECT_EQ(takeJournal(),
+            (Journal{"hide https://w.test", "Create Transaction Success", "completion"}));
+  EXPECT_NE(std::dynamic_pointer_cast<ZLVTransactionResponse>(result), nullptr);
+}
+
+TEST_F(Client, EveryEndOfThePageCompletesOnce) {
+  const std::string page = actions(action("activation-deeplink", "https://w.test"));
+  const Journal opened{"Link Account Webview is Opened"};
+  const Journal ended{"Link Account Success", "completion"};
+  const auto open = [&] {
+    link();
+    answer(200, page);
+    journal().clear();
+  };
+  open();
+  ZLVClient::handleCallbackUrl(*ZLVURL::URLWithString("x-app://done/again?status=cancelled"));
+  EXPECT_EQ(takeJournal(), (Journal{"hide https://w.test", "Link Account Success", "completion"}));
+  ZLVClient::handleCallbackUrl(*ZLVURL::URLWithString("app://done"));
+  EXPECT_TRUE(journal().empty());
+
+  // The host takes a copy of the callback and calls it too.
+  open();
+  auto callback =
+      dynamic_cast<ZLVWebViewController&>(*presenter->presentedViewController()).callback();
+  callback();
+  presenter->dismissViewControllerAnimated(false);
+  EXPECT_EQ(takeJournal(), (Journal{"Link Account Success", "completion", "hide https://w.test"}));
+
+  // The presenter is busy, then gone, then was never there.
+  open();
+  link();
+  answer(200, page);
+  EXPECT_EQ(takeJournal(),
+            (Journal{"Link Account Webview is Opened", "Link Account Success", "completion"}));
+  platform.ui->root.reset();
+  presenter.reset();
+  EXPECT_EQ(takeJournal(), ended);
+  link();
+  answer(200, page);
+  EXPECT_EQ(takeJournal(),
+            (Journal{"Link Account Webview is Opened", "Link Account Success", "completion"}));
+}
+
+TEST_F(Client, OlderSystemsKeepTheirDismissButton) {
+  platform.device->system = "10.3.4";
+  charge();
+  answer(200, actions(action("user-verification", "https://w.test")));
+  EXPECT_FALSE(platform.ui->browser->style);
+}
+
+TEST_F(Client, CallbackUrlWalksToTheTopmostController) {
+  const auto openOver = [&](const std::shared_ptr<ZLVViewController>& controller) {
+    presenter = controller;
+    link();
+    answer(200, actions(action("activation-deeplink", "https://w.test")));
+    journal().clear();
+  };
+  const auto isClosedBy = [&](const char* url) {
+    ZLVClient::handleCallbackUrl(*ZLVURL::URLWithString(url));
+    return !takeJournal().empty();
+  };
+  // A navigation stack's top comes before what the stack itself presents.
+  auto navigation = std::make_shared<ZLVNavigationController>();
+  const auto top = std::make_shared<ZLVViewController>();
+  navigation->pushViewController(std::make_shared<ZLVViewController>());
+  navigation->pushViewController(top);
+  navigation->presentViewController(std::make_shared<ZLVViewController>(), false);
+  platform.ui->root = navigation;
+  openOver(top);
+  EXPECT_FALSE(isClosedBy("APP://DONE"));
+  EXPECT_TRUE(isClosedBy("app://done?status=ok"));
+
+  // A subclass of the navigation controller is walked like any other controller.
+  const auto subclass = std::make_shared<Subclass>();
+  subclass->pushViewController(top);
+  platform.ui->root = subclass;
+  openOver(subclass);
+  EXPECT_TRUE(isClosedBy("app://done"));
+
+  openOver(top);
+  EXPECT_FALSE(isClosedBy("app://done"));
+  platform.ui->root = std::make_shared<ZLVNavigationController>();
+  EXPECT_FALSE(isClosedBy("app://done"));
+  platform.ui->root = nullptr;
+  EXPECT_FALSE(isClosedBy("app://done"));
+
+  platform.ui->root = top;
+  for (const auto& unusable : {ZLVVendor::Text(), ZLVVendor::Text("")}) {
+    ZLVVendor::shared().setCallbackUrl(unusable);
+    EXPECT_FALSE(isClosedBy("app://done"));
+  }
+  ZLVVendor::shared().setCallbackUrl("app://done");
+  EXPECT_TRUE(isClosedBy("app://done"));
+}
+
+TEST_F(Client, MissingArgumentsAreFaultsBeforeAnythingIsSent) {
+  const auto zolva = std::make_shared<ZLVZolvaDetails>();
+  const auto transaction = std::make_shared<ZLVTransactionDetails>();
+  const auto customer = std::make_shared<ZLVCustomerDetails>();
+  const ZLVRecords<ZLVItemDetails> holes(1);
+  const auto createWith = [&](std::optional<std::string> type, auto z, auto t, auto c, auto items) {
+    ZLVClient::createTransactionWithPaymentType(std::move(type), nullptr, z, t, c, items,
+                                                note<ZLVTransactionResult>());
+  };
+  const std::shared_ptr<ZLVZolvaDetails> noZolva;
+  const std::shared_ptr<ZLVTransactionDetails> noTransaction;
+  const std::shared_ptr<ZLVCustomerDetails> noCustomer;
+  const ZLVRecords<ZLVItemDetails> none;
+  const std::pair<const char*, std::function<void()>> calls[] = {
+      {"payment type",
+       [&] {
+         ZLVClient::linkAccountWithPaymentType({}, nullptr, nullptr, note<ZLVLinkAccountResult>());
+       }},
+      {"account id", [&] { ZLVClient::enquireAccountWithAccountID({}, note<ZLVAccountInfo>()); }},
+      {"account id", [&] { ZLVClient::disableAccountWithAccountID({}, {}); }},
+      {"payment type", [&] { createWith({}, zolva, transaction, customer, none); }},
+      {"wallet details", [&] { createWith("t", noZolva, transaction, customer, none); }},
+      {"transaction details", [&] { createWith("t", zolva, noTransaction, customer, none); }},
+      {"customer details", [&] { createWith("t", zolva, transaction, noCustomer, none); }},
+      {"item", [&] { createWith("t", zolva, transaction, customer, holes); }},
+      {"merchant server URL",
+       [&] {
+         ZLVVendor::shared().setMerchantSeverURL({});
+         createWith("t", zolva, transaction, customer, none);
+       }},
+  };
+  for (const auto& [missing, call] : calls) {
+    try {
+      call();
+      ADD_FAILURE() << "no fault without " << missing;
+    } catch (const ZLVProgrammingFault& fault) {
+      EXPECT_NE(std::string(fault.what()).find(missing), std::string::npos) << fault.what();
+    }
+  }
+  platform.queue->drain();
+  EXPECT_TRUE(journal().empty());
+  EXPECT_TRUE(platform.session.merchant.empty());
+}
+
+TEST_F(Client, AFaultOnTheMainThreadStillAnswers) {
+  // The answer does not fit its record.
+  ZLVClient::enquireAccountWithAccountID("a", note<ZLVAccountInfo>());
+  platform.session.merchant.back().answer(200, R"({"metadata":"text"})");
+  EXPECT_THROW(platform.queue->drain(), ZLVProgrammingFault);
+  EXPECT_EQ(takeJournal(), (Journal{"Enquire Account Success"}));
+  platform.queue->drain();
+  EXPECT_EQ(takeJournal(), (Journal{"completion"}));
+  EXPECT_EQ(failure->code(), NSURLErrorCancelled);
+
+  // The host's completion throws from the page's end.
+  ZLVClient::linkAccountWithPaymentType("zolva", nullptr, presenter, [](const auto&, const auto&) {
+    throw std::runtime_error("host");
+  });
+  answer(200, actions(action("activation-deeplink", "https://w.test")));
+  presenter->dismissViewControllerAnimated(false);
+  EXPECT_THROW(platform.queue->drain(), std::runtime_error);
+}
+
+TEST(WithoutPlatform, EverythingIsAFaultThatSaysWhatToCall) {
+  try {
+    ZLVClient::initWithMerchantServerURL("https://shop.test", "M", "app://done", false);
+    FAIL();
+  } catch (const ZLVProgrammingFault& fault) {
+    EXPECT_NE(std::string(fault.what()).find("ZLVPlatform::install"), std::string::npos);
+  }
+  EXPECT_THROW(ZLVPlatform::install({}), ZLVProgrammingFault);
+}
+
+TEST(InstalledTwice, IsAFault) {
+  const FakePlatform first;
+  EXPECT_THROW(FakePlatform(), ZLVProgrammingFault);
+}

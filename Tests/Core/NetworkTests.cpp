@@ -1,0 +1,204 @@
+#include <gtest/gtest.h>
+
+#include "Tests/Support/FakePlatform.h"
+#include "ZolvaCheckoutKit/Core/Helpers/builder.h"
+#include "ZolvaCheckoutKit/Core/Network/ZLVNetwork.h"
+#include "ZolvaCheckoutKit/Core/Network/ZLVRequestBuilder.h"
+
+namespace {
+
+using Headers = std::vector<std::pair<std::string, std::string>>;
+
+std::shared_ptr<ZLVNetworkService> service(ZLVHTTPMethod method, ZLVValue parameters = {},
+                                           std::uint64_t type = ZLVServiceTypeMerchant,
+                                           std::string path = "/v2/x") {
+  return ZLVNetworkService::initWithBaseURL("https://shop.test/", std::move(path), method,
+                                            std::move(parameters),
+                                            static_cast<ZLVServiceType>(type));
+}
+
+std::string url(const ZLVURLRequest& request) { return request.URL->absoluteString(); }
+
+class Network : public testing::Test {
+ protected:
+  /// Sends a call, answers it with `respond` and returns what the completion got, as text.
+  template <class Respond>
+  std::string outcome(std::shared_ptr<ZLVNetworkService> call, Respond respond) {
+    std::vector<std::string> outcomes;
+    network.request(std::move(call), [&](ZLVValue answer, std::optional<ZLVError> error) {
+      EXPECT_NE(answer.isAbsent(), !error);
+      outcomes.push_back(error ? error->debugDescription() : answer.description());
+    });
+    auto& tasks =
+        platform.session.merchant.empty() ? platform.session.analytics : platform.session.merchant;
+    if (!tasks.empty()) respond(tasks.back());
+    EXPECT_TRUE(outcomes.empty()) << "answered outside the main queue";
+    platform.queue->drain();
+    EXPECT_EQ(outcomes.size(), 1U);
+    return outcomes.empty() ? "" : outcomes.front();
+  }
+  std::string outcome(int status, const std::string& body) {
+    return outcome(service(ZLVHTTPMethodGet),
+                   [&](FakeSession::Task& task) { task.answer(status, body); });
+  }
+
+  FakePlatform platform;
+  ZLVNetwork network;
+};
+
+std::string failure(std::int64_t code, ZLVValue message, ZLVValue reasons = {}) {
+  return builder::errorWithCode(code, std::move(message), std::move(reasons)).debugDescription();
+}
+
+}  // namespace
+
+TEST(RequestBuilder, JoinsWithOneSlash) {
+  const char* cases[][3] = {{"B/", "/v2/pay/account/", "B/v2/pay/account"},
+                            {"B", "/v2/charge", "B/v2/charge"},
+                            {"B/", "1/upload", "B/1/upload"},
+                            {"B//", "/v2/charge", "B//v2/charge"},
+                            {"B", "/", "B/"},
+                            {"B", "//x", "B//x"},
+                            {"B", "//", "B/"},
+                            {"", "", "/"}};
+  for (const auto& [base, path, joined] : cases) {
+    EXPECT_EQ(ZLVRequestBuilder::combineBaseURL(base, path), joined);
+  }
+}
+
+TEST(RequestBuilder, MethodsBodiesAndHeaders) {
+  constexpr auto seven = static_cast<ZLVHTTPMethod>(7);
+  const ZLVDictionary parameters{{"a", ZLVArray{1}}};
+  const Headers plain{{"X-Mobile-Platform", "ios"}, {"X-Source", "mobile-ios"}};
+  Headers json = plain;
+  json.insert(json.begin(), {"Content-Type", "application/json"});
+  const Headers analytics{{"Content-Type", "application/json; charset=utf-8"},
+                          {"X-CleverTap-Account-Id", "T48-213-K06W"},
+                          {"X-CleverTap-Passcode", "QWB-LNA-RJTH"}};
+  struct Case {
+    ZLVHTTPMethod method;
+    ZLVValue parameters;
+    std::uint64_t type;
+    const char *sentMethod, *sentURL;
+    std::optional<std::string> body;
+    const Headers& headers;
+  };
+  const auto* address = "https://shop.test/v2/x";
+  const Case cases[] = {
+      {ZLVHTTPMethodGet, {}, 0, "GET", address, {}, plain},
+      {ZLVHTTPMethodGet, parameters, 0, "GET", "https://shop.test/v2/x?a[]=1", {}, plain},
+      {ZLVHTTPMethodGet, ZLVDictionary{}, 0, "GET", "https://shop.test/v2/x?", {}, plain},
+      {ZLVHTTPMethodPost, parameters, 0, "POST", address, R"({"a":[1]})", json},
+      {ZLVHTTPMethodPost, {}, 0, "POST", address, {}, json},
+      {ZLVHTTPMethodPost, ZLVDictionary{{"r", "\xff"}}, 0, "POST", address, {}, json},
+      {ZLVHTTPMethodDelete, parameters, 2, "DELETE", address, R"({"a":[1]})", json},
+      {seven, {}, 0, "DELETE", address, {}, json},
+      {ZLVHTTPMethodGet, {}, 1, "GET", address, {}, analytics},
+      {ZLVHTTPMethodPost, parameters, 1, "POST", address, R"({"a":[1]})", analytics},
+  };
+  for (const auto& expected : cases) {
+    const auto request = ZLVRequestBuilder::buildRequestFrom(
+        *service(expected.method, expected.parameters, expected.type));
+    EXPECT_EQ(request.HTTPMethod, expected.sentMethod);
+    EXPECT_EQ(url(request), expected.sentURL);
+    EXPECT_EQ(request.HTTPBody, expected.body);
+    EXPECT_EQ(request.allHTTPHeaderFields, expected.headers);
+    EXPECT_EQ(request.timeoutInterval, 10000.0);
+    EXPECT_EQ(request.cachePolicy, ZLVURLRequestCachePolicy::UseProtocolCachePolicy);
+  }
+}
+
+TEST_F(Network, JudgesAnswers) {
+  const auto notAnObject = ZLVJSONSerialization::notAnObjectError().debugDescription();
+  struct Case {
+    int status;
+    const char* body;
+    std::string outcome;
+  };
+  const Case cases[] = {
+      {200, R"({"a":1})", R"({"a":1})"},
+      {299, "{}", "{}"},
+      {199, "{}", failure(199, "Request failed.")},
+      {300, "{}", failure(300, "Request failed.")},
+      {500, R"({"status_code":"201"})", R"({"status_code":"201"})"},
+      {200, R"({"status_code":"406","status_message":"No"})", failure(406, "No")},
+      {200, R"({"status_code":null})", failure(0, "Request failed.")},
+      {200, R"({"status_code":"x"})", failure(0, "Request failed.")},
+      {200, R"({"status_code":true})", failure(1, "Request failed.")},
+      {400, R"({"status_message":"b","error_message":"a"})", failure(400, "a")},
+      {400, R"({"error_message":null,"status_message":"b"})", failure(400, nullptr)},
+      {400, R"({"error_messages":["c"]})", failure(400, ZLVArray{"c"})},
+      {400, R"({"validation_messages":{"p":1}})",
+       failure(400, "Request failed.", ZLVDictionary{{"p", 1}})},
+      {400, R"({"validation_messages":null})", failure(400, "Request failed.", nullptr)},
+      {404, "[1]", "[1]"},
+      {200, "\"text\"", notAnObject},
+      {500, "null", notAnObject},
+  };
+  for (const auto& [status, body, expected] : cases) {
+    EXPECT_EQ(outcome(status, body), expected) << status << " " << body;
+  }
+  for (const auto* body : {"", "<html>Bad gateway</html>"}) {
+    EXPECT_NE(outcome(502, body).find("NSCocoaErrorDomain Code=3840"), std::string::npos) << body;
+  }
+}
+
+TEST_F(Network, AnswersOnceWhateverTheSessionDoes) {
+  const auto lost =
+      ZLVError::errorWithDomain(NSURLErrorDomain, NSURLErrorNetworkConnectionLost, {});
+  EXPECT_EQ(outcome(service(ZLVHTTPMethodGet), [&](FakeSession::Task& task) { task.fail(lost); }),
+            lost.debugDescription());
+
+  // The session loses the handler.
+  EXPECT_NE(outcome(service(ZLVHTTPMethodGet), [](FakeSession::Task& task) { task.handler = {}; })
+                .find("-999"),
+            std::string::npos);
+
+  // There is nothing to send.
+  platform.session.merchant.clear();
+  const auto badURL = outcome(service(ZLVHTTPMethodGet, {}, 0, "/a b"), [](FakeSession::Task&) {});
+  EXPECT_NE(badURL.find("NSURLErrorDomain Code=-1000"), std::string::npos) << badURL;
+  EXPECT_TRUE(platform.session.merchant.empty());
+
+  // The request cannot be built: the fault is all there is.
+  bool called = false;
+  EXPECT_THROW(
+      network.request(service(ZLVHTTPMethodGet, ZLVDictionary{{"d", ZLVDictionary{}}}),
+                      [&](const ZLVValue&, const std::optional<ZLVError>&) { called = true; }),
+      ZLVProgrammingFault);
+  platform.queue->drain();
+  EXPECT_FALSE(called);
+}
+
+TEST_F(Network, LogsMerchantCallsOnly) {
+  const auto answer = [](FakeSession::Task& task) { task.answer(200, "{\"a\":\n1}"); };
+  outcome(service(ZLVHTTPMethodPost, ZLVDictionary{{"k", "v"}}), answer);
+  EXPECT_TRUE(platform.log->lines.empty());
+
+  ZLVVendor::shared().setIsLoggingEnabled(true);
+  for (const auto unlogged : {1U, 2U}) {
+    outcome(service(ZLVHTTPMethodPost, ZLVDictionary{}, unlogged), answer);
+  }
+  EXPECT_TRUE(platform.log->lines.empty());
+
+  outcome(service(ZLVHTTPMethodPost, ZLVDictionary{{"k", "v"}}), answer);
+  EXPECT_EQ(
+      platform.log->lines,
+      (std::vector<std::string>{
+          "A @POST request to : https://shop.test/v2/x request header: "
+          R"({"Content-Type":"application/json","X-Mobile-Platform":"ios","X-Source":"mobile-ios"})",
+          R"(request body : {"k":"v"})", R"(response : {"a":\n1})"}));
+
+  platform.log->lines.clear();
+  outcome(200, "\xff");
+  ASSERT_EQ(platform.log->lines.size(), 2U);
+  EXPECT_EQ(platform.log->lines.back(), "response : (null)");
+
+  platform.log->lines.clear();
+  platform.session.merchant.clear();
+  outcome(service(ZLVHTTPMethodPost, ZLVDictionary{}, 0, "/a b"), [](FakeSession::Task&) {});
+  ASSERT_EQ(platform.log->lines.size(), 3U);
+  EXPECT_TRUE(platform.log->lines[0].starts_with("A @POST request to : (null) request header: "));
+  EXPECT_TRUE(
+      platform.log->lines[2].starts_with("error : Error Domain=NSURLErrorDomain Code=-1000"));
+}

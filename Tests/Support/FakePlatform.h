@@ -1,0 +1,158 @@
+#pragma once
+
+// A platform whose every port is in the test's hands: the main queue runs when it is told to, the
+// session answers what the test says, the browser only remembers what it was asked.
+
+#include <deque>
+#include <map>
+#include <memory>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include <ZolvaCheckoutKit/ZolvaCheckoutKit.h>
+
+#include "ZolvaCheckoutKit/Core/Helpers/ZLVJSONSerialization.h"
+
+class FakeMainQueue : public ZLVMainQueue {
+ public:
+  void dispatch(ZLVOnce<void()> block) override { blocks_.push_back(std::move(block)); }
+  void drain() {
+    while (!blocks_.empty()) {
+      auto block = std::move(blocks_.front());
+      blocks_.pop_front();
+      std::move(block)();
+    }
+  }
+  [[nodiscard]] std::size_t size() const { return blocks_.size(); }
+
+ private:
+  std::deque<ZLVOnce<void()>> blocks_;
+};
+
+struct FakeLog : ZLVSystemLog {
+  void log(std::string_view line) override { lines.emplace_back(line); }
+  std::vector<std::string> lines;
+};
+
+struct FakeDevice : ZLVDevice {
+  std::optional<std::string> identifier = "3B1F9C52-0A11-4C4A-9C3C-2F6B0B9D7E10";
+  std::optional<ZLVSize> screen = ZLVSize{390, 844};
+  std::optional<std::string> version = "2.5", model = "model9,9", deviceName = "Ada's phone",
+                             system = "17.0";
+  std::vector<std::string> localizations, languages;
+  std::optional<Threads> usage = Threads{};
+
+  std::optional<std::string> identifierForVendor() const override { return identifier; }
+  std::optional<ZLVSize> mainScreenSize() const override { return screen; }
+  std::optional<std::string> bundleDisplayName() const override { return "Corner Coffee"; }
+  std::optional<std::string> bundleShortVersion() const override { return version; }
+  std::vector<std::string> preferredLocalizations() const override { return localizations; }
+  std::vector<std::string> preferredLanguages() const override { return languages; }
+  std::optional<std::string> machine() const override { return model; }
+  std::optional<std::string> name() const override { return deviceName; }
+  std::optional<std::string> systemVersion() const override { return system; }
+  std::optional<Threads> threads() const override { return usage; }
+};
+
+/// What happened, in order: events, browser steps and completions.
+using Journal = std::vector<std::string>;
+
+struct FakeBrowser : ZLVBrowser {
+  FakeBrowser(std::string page, Journal& notes) : url(std::move(page)), journal(notes) {}
+  void setDismissButtonStyle(ZLVDismissButtonStyle value) override { style = value; }
+  void show(ZLVViewController&, bool, ZLVOnce<void()> whenClosed) override {
+    journal.push_back("show " + url);
+    closed = std::move(whenClosed);
+  }
+  void hide(bool) override { journal.push_back("hide " + url); }
+
+  std::string url;
+  Journal& journal;
+  ZLVOnce<void()> closed;
+  std::optional<ZLVDismissButtonStyle> style;
+};
+
+struct FakeUserInterface : ZLVUserInterface {
+  std::shared_ptr<ZLVViewController> keyWindowRootViewController() override { return root; }
+  std::unique_ptr<ZLVBrowser> makeBrowser(const ZLVURL& url) override {
+    auto made = std::make_unique<FakeBrowser>(url.absoluteString(), journal);
+    browser = made.get();
+    return made;
+  }
+  bool openURL(const ZLVURL&) override { return false; }
+
+  std::shared_ptr<ZLVViewController> root;
+  FakeBrowser* browser = nullptr;  // the last one made
+  Journal journal;
+};
+
+/// Keeps what it is asked to send; the test answers it.
+struct FakeSession {
+  struct Task {
+    ZLVURLRequest request;
+    ZLVURLSession::CompletionHandler handler;
+
+    void answer(int status, std::string body) {
+      std::move(handler)({.data = std::move(body), .statusCode = status, .error = {}});
+    }
+    void fail(ZLVError error) {
+      std::move(handler)({.data = {}, .statusCode = 0, .error = std::move(error)});
+    }
+  };
+  std::vector<Task> merchant;   // to the merchant server
+  std::vector<Task> analytics;  // to the analytics service
+};
+
+/// The fakes as the one installed platform of the process.
+struct FakePlatform {
+  static constexpr const char* analyticsRoot = "https://analytics.test/";
+
+  std::shared_ptr<FakeMainQueue> queue = std::make_shared<FakeMainQueue>();
+  std::shared_ptr<FakeLog> log = std::make_shared<FakeLog>();
+  std::shared_ptr<FakeDevice> device = std::make_shared<FakeDevice>();
+  std::shared_ptr<FakeUserInterface> ui = std::make_shared<FakeUserInterface>();
+  FakeSession session;
+
+  FakePlatform() {
+    struct Session : ZLVURLSession {
+      explicit Session(FakePlatform& owner) : platform(owner) {}
+      void dataTask(ZLVURLRequest request, CompletionHandler handler) override {
+        auto& tasks = request.URL->absoluteString().starts_with(analyticsRoot)
+                          ? platform.session.analytics
+                          : platform.session.merchant;
+        if (&tasks == &platform.session.analytics) platform.recordEvents(request);
+        tasks.push_back({std::move(request), std::move(handler)});
+      }
+      FakePlatform& platform;
+    };
+    ZLVPlatform::install({.makeURLSession = [this] { return std::make_unique<Session>(*this); },
+                          .mainQueue = queue,
+                          .systemLog = log,
+                          .device = device,
+                          .userInterface = ui,
+                          .analyticsRootURL = analyticsRoot});
+  }
+
+  static void configure() {
+    ZLVClient::initWithMerchantServerURL("https://shop.test/pay/", "M1", "app://done", false);
+  }
+
+  /// The records of the last upload.
+  [[nodiscard]] ZLVArray lastUpload() const {
+    return *parsed(*session.analytics.back().request.HTTPBody)["d"].array();
+  }
+
+  static ZLVDictionary parsed(const std::string& json) {
+    return *std::get<ZLVValue>(ZLVJSONSerialization::JSONObjectWithData(json)).dictionary();
+  }
+
+ private:
+  void recordEvents(const ZLVURLRequest& request) {
+    const auto body = parsed(*request.HTTPBody);
+    for (const auto& record : *body["d"].array()) {
+      const auto& name = (*record.dictionary())["evtName"];
+      if (!name.isAbsent()) ui->journal.push_back(name.description());
+    }
+  }
+};
