@@ -1,0 +1,59 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <variant>
+#include <vector>
+
+#include <ZolvaCheckoutKit/ZolvaCheckoutKit.h>
+
+/// What every command that uses the library is told.
+struct ConsoleOptions {
+  std::string server;
+  std::string merchantId = "M-SANDBOX";
+  std::string callbackURL = "zolvademo://done";
+  bool isLoggingEnabled = false;
+  std::optional<std::string> analyticsRoot;
+  bool allowsCleartext = false;
+  std::optional<std::string> CAFile;
+  std::optional<std::string> openWith;
+};
+
+struct LinkCommand {
+  std::string paymentType, phoneNumber, countryCode;
+};
+struct EnquireCommand {
+  std::string accountID;
+};
+struct UnlinkCommand {
+  std::string accountID;
+};
+struct ChargeCommand {
+  std::string paymentType, accountID, paymentOptionToken;
+  ZLVValue grossAmount;
+  std::string orderID, currency;
+  std::string phoneNumber, firstName, lastName, email;
+  ZLVRecords<ZLVItemDetails> items;
+};
+struct SandboxCommand {
+  std::uint16_t port = 0;
+};
+struct DemoCommand {};
+
+using Command = std::variant<LinkCommand, EnquireCommand, UnlinkCommand, ChargeCommand,
+                             SandboxCommand, DemoCommand>;
+
+struct Invocation {
+  ConsoleOptions options;
+  Command command;
+};
+
+/// Why there is nothing to run: help that was asked for, or wrong usage.
+struct Usage {
+  std::string message;
+  bool isError = true;
+};
+
+/// Reads a command line, the program's name left out.
+std::variant<Invocation, Usage> parseArguments(std::vector<std::string> arguments);

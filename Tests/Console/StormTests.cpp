@@ -1,0 +1,144 @@
+#include <mutex>
+#include <random>
+#include <thread>
+
+#include <Sandbox/Sandbox.h>
+#include <gtest/gtest.h>
+
+#include <ZolvaCheckoutKit/Platform/Linux/ZLVLinuxMainQueue.h>
+#include <ZolvaCheckoutKit/Platform/Linux/ZLVLinuxPlatform.h>
+#include <ZolvaCheckoutKit/ZolvaCheckoutKit.h>
+
+namespace {
+
+using Point = ZLVMisbehaviour::Point;
+using Break = ZLVMisbehaviour::Break;
+
+/// The whole library, Linux backend included, in this process.
+class Library : public testing::Test {
+ protected:
+  void SetUp() override {
+    ZLVPlatform::install(ZLVLinuxPlatform::platformWithOptions(
+        {.applicationVersion = "1", .analyticsRootURL = sandbox.baseURL() + "/"}));
+    ZLVClient::initWithMerchantServerURL(sandbox.baseURL(), "M-1", "app://done", false);
+  }
+
+  template <class Record>
+  std::optional<ZLVError> failureOf(
+      const std::function<void(ZLVCompletionHandler<Record>)>& start) {
+    std::optional<ZLVError> failure;
+    start([&](std::shared_ptr<Record> record, std::optional<ZLVError> error) {
+      EXPECT_NE(record == nullptr, !error);
+      failure = std::move(error);
+      queue->stop();
+    });
+    queue->run();
+    return failure;
+  }
+  std::optional<ZLVError> enquire() {
+    return failureOf<ZLVAccountInfo>(
+        [](auto done) { ZLVClient::enquireAccountWithAccountID("a", std::move(done)); });
+  }
+  std::optional<ZLVError> unlink() {
+    return failureOf<ZLVDisableAccountResult>(
+        [](auto done) { ZLVClient::disableAccountWithAccountID("a", std::move(done)); });
+  }
+
+  ZLVSandbox sandbox;
+  std::shared_ptr<ZLVLinuxMainQueue> queue = ZLVLinuxMainQueue::mainQueue();
+};
+
+}  // namespace
+
+TEST_F(Library, EveryKindOfHostileAnswerIsOneErrorValue) {
+  const std::pair<ZLVMisbehaviour, std::pair<std::string_view, std::int64_t>> cases[] = {
+      {{.status = 418, .body = "{}"}, {ZLVErrorDomain, 418}},
+      {{.body = R"({"status_code":"406"})"}, {ZLVErrorDomain, 406}},
+      {{.body = "{\"a\":"}, {NSCocoaErrorDomain, 3840}},
+      {{.body = ""}, {NSCocoaErrorDomain, 3840}},
+      {{.body = "[{}]"}, {NSCocoaErrorDomain, 3840}},
+      {{.body = std::string(100'000, '[')}, {NSCocoaErrorDomain, 3840}},
+      {{.status = 204}, {NSCocoaErrorDomain, 3840}},
+      {{.headers = {{"Content-Length", "100000"}},
+        .interruption = {{Break::Close, Point::AfterBody}}},
+       {NSURLErrorDomain, NSURLErrorNetworkConnectionLost}},
+      {{.interruption = {{Break::Close, Point::BeforeHeader}}},
+       {NSURLErrorDomain, NSURLErrorNetworkConnectionLost}},
+      {{.interruption = {{Break::Reset, Point::InHeader}}},
+       {NSURLErrorDomain, NSURLErrorNetworkConnectionLost}},
+      {{.interruption = {{Break::Reset, Point::InBody}}},
+       {NSURLErrorDomain, NSURLErrorNetworkConnectionLost}},
+      {{.bodySize = 65ULL << 20}, {NSURLErrorDomain, NSURLErrorDataLengthExceedsMaximum}},
+  };
+  for (const auto& [misbehaviour, expected] : cases) {
+    sandbox.misbehave({.pathPrefix = "/v2/"}, misbehaviour);
+    const auto failure = unlink();
+    ASSERT_TRUE(failure);
+    EXPECT_EQ(failure->domain(), expected.first) << failure->debugDescription();
+    EXPECT_EQ(failure->code(), expected.second) << failure->debugDescription();
+    EXPECT_EQ(enquire()->code(), 404) << "the library does not work on afterwards";
+  }
+}
+
+TEST_F(Library, AChargeOnAConnectionThatIsLostGoesOutOnce) {
+  for (const auto how : {Break::Close, Break::Reset}) {
+    enquire();  // leaves a connection to be used again
+    const auto before = sandbox.requests().size();
+    sandbox.misbehave({.method = "POST", .pathPrefix = "/v2/"},
+                      {.interruption = {{how, Point::BeforeHeader}}});
+    EXPECT_EQ(unlink()->code(), NSURLErrorNetworkConnectionLost);
+    enquire();
+    const auto requests = sandbox.requests();
+    EXPECT_EQ(std::count_if(requests.begin() + static_cast<std::ptrdiff_t>(before), requests.end(),
+                            [](const auto& request) { return request.path().ends_with("unbind"); }),
+              1);
+  }
+}
+
+TEST_F(Library, TenThousandCallsUnderRandomFaultsAnswerTenThousandTimes) {
+  constexpr int calls = 10'000;
+  constexpr int atOnce = 64;
+  std::mutex mutex;
+  std::mt19937 random(20'250'101);  // NOLINT(cert-msc51-cpp): the same storm each time
+  sandbox.misbehave([&](const ZLVSandboxRequest&) -> ZLVMisbehaviour {
+    const ZLVMisbehaviour faults[] = {{},
+                                      {.status = 500},
+                                      {.body = "not JSON"},
+                                      {.body = "{}", .bodySize = 200'000},
+                                      {.headers = {{"Content-Length", "9999"}},
+                                       .interruption = {{Break::Close, Point::AfterBody}}},
+                                      {.interruption = {{Break::Close, Point::BeforeHeader}}},
+                                      {.interruption = {{Break::Reset, Point::InHeader}}},
+                                      {.interruption = {{Break::Reset, Point::InBody}}},
+                                      {.delay = std::chrono::milliseconds(1)}};
+    const std::lock_guard lock(mutex);
+    const auto isFaulty = random() % 4 == 0;
+    return isFaulty ? faults[random() % std::size(faults)] : ZLVMisbehaviour();
+  });
+
+  const auto mainThread = std::this_thread::get_id();
+  std::vector<int> answers(calls);
+  int started = 0, answered = 0;
+  std::function<void()> startNext = [&] {
+    const auto call = static_cast<std::size_t>(started++);
+    const auto done = [&, call](const auto& record, const std::optional<ZLVError>& error) {
+      EXPECT_EQ(std::this_thread::get_id(), mainThread);
+      EXPECT_NE(record == nullptr, !error);
+      ++answers[call];
+      if (started < calls) startNext();
+      if (++answered == calls) queue->stop();
+    };
+    if (call % 2 == 0) {
+      ZLVClient::enquireAccountWithAccountID("a", done);
+    } else {
+      ZLVClient::linkAccountWithPaymentType(
+          "zolva", ZLVPartnerDetails::initWithPhoneNumber(std::to_string(call), "62"), nullptr,
+          done);
+    }
+  };
+  for (int i = 0; i < atOnce; ++i) startNext();
+  queue->run();
+  queue->drain();
+  sandbox.stop();  // uploads under way still ask for faults
+  EXPECT_EQ(answers, std::vector<int>(calls, 1));
+}
