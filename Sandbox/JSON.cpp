@@ -1,0 +1,2 @@
+// The compiled part of Boost.JSON, which is otherwise used as headers.
+#include <boost/json/src.hpp>
