@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <concepts>
 #include <cstddef>
 #include <cstdint>
@@ -60,7 +61,7 @@ class ZLV_EXPORT ZLVValue {
   noexcept : storage_(fromUnsigned(value)) {}
   ZLVValue(double value) noexcept : storage_(value) {}
   ZLVValue(std::string text);
-  ZLVValue(std::string_view text) : ZLVValue(std::string(text)) {}
+  ZLVValue(std::string_view text);
   /// A null pointer makes an absent value.
   ZLVValue(const char* text);
   /// An empty optional makes an absent value.
@@ -73,7 +74,10 @@ class ZLV_EXPORT ZLVValue {
     if (record != nullptr) storage_ = std::shared_ptr<ZLVMappable>(std::move(record));
   }
 
-  [[nodiscard]] Kind kind() const noexcept { return static_cast<Kind>(storage_.index()); }
+  [[nodiscard]] Kind kind() const noexcept {
+    return std::holds_alternative<ShortText>(storage_) ? Kind::Text
+                                                       : static_cast<Kind>(storage_.index());
+  }
   [[nodiscard]] bool isAbsent() const noexcept { return kind() == Kind::Absent; }
   [[nodiscard]] bool isNull() const noexcept { return kind() == Kind::Null; }
   /// True for both integer kinds and doubles; booleans are not numbers here.
@@ -82,7 +86,7 @@ class ZLV_EXPORT ZLVValue {
   }
 
   [[nodiscard]] std::optional<bool> boolean() const noexcept;
-  /// The text, valid as long as some copy of this value lives.
+  /// The text, valid as long as this value lives and is not assigned to.
   [[nodiscard]] std::optional<std::string_view> text() const noexcept;
   /// The number as a double; integers beyond 53 bits are rounded.
   [[nodiscard]] std::optional<double> number() const noexcept;
@@ -106,10 +110,18 @@ class ZLV_EXPORT ZLVValue {
   friend ZLV_EXPORT bool operator==(const ZLVValue& left, const ZLVValue& right) noexcept;
 
  private:
+  /// Most texts are this short, and need no memory of their own.
+  struct ShortText {
+    std::array<char, 15> characters;
+    std::uint8_t size;
+  };
+  /// In the order of the kinds; the short text comes behind them.
   using Storage =
       std::variant<std::monostate, std::nullptr_t, bool, std::int64_t, std::uint64_t, double,
                    std::shared_ptr<const std::string>, std::shared_ptr<const ZLVArray>,
-                   std::shared_ptr<const ZLVDictionary>, std::shared_ptr<ZLVMappable>>;
+                   std::shared_ptr<const ZLVDictionary>, std::shared_ptr<ZLVMappable>, ShortText>;
+
+  static std::optional<ShortText> shortened(std::string_view text) noexcept;
 
   static Storage fromUnsigned(std::uint64_t value) noexcept {
     if (value <= static_cast<std::uint64_t>(INT64_MAX)) return static_cast<std::int64_t>(value);

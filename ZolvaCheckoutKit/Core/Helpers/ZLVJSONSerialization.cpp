@@ -6,8 +6,10 @@
 #include <ZolvaCheckoutKit/Core/Helpers/ZLVJSONSerialization.h>
 
 // The JSON library is compiled in under a namespace of its own, so that it can never meet another
-// copy that the host links.
+// copy that the host links, and without the marks that would export it.
 #include <boost/config.hpp>
+#undef BOOST_SYMBOL_VISIBLE
+#define BOOST_SYMBOL_VISIBLE
 namespace zlv_boost {
 using boost::long_long_type;
 using boost::ulong_long_type;
@@ -74,6 +76,7 @@ class ValueBuilder {
     return true;
   }
   bool on_string(json::string_view part, std::size_t length, json::error_code& error) {
+    if (text_.empty()) return add(std::string_view(part.data(), part.size()));
     return on_string_part(part, length, error) && add(std::exchange(text_, {}));
   }
   bool on_number_part(json::string_view, json::error_code&) { return true; }

@@ -37,21 +37,55 @@ std::int64_t saturated(double number) noexcept {
 
 const ZLVValue absentValue;
 
+/// Stable. Nearly every dictionary is small, and then the general way costs more than it saves.
+void sortByKey(std::vector<ZLVDictionary::Entry>& entries) {
+  constexpr std::size_t small = 16;
+  const auto isLess = [](const auto& left, const auto& right) { return left.first < right.first; };
+  if (entries.size() > small) {
+    std::stable_sort(entries.begin(), entries.end(), isLess);
+    return;
+  }
+  for (auto entry = entries.begin(); entry != entries.end(); ++entry) {
+    std::rotate(std::upper_bound(entries.begin(), entry, *entry, isLess), entry, entry + 1);
+  }
+}
+
 bool isBefore(const ZLVDictionary::Entry& entry, std::string_view key) noexcept {
   return entry.first < key;
 }
 
 }  // namespace
 
-ZLVValue::ZLVValue(std::string text)
-    : storage_(std::make_shared<const std::string>(std::move(text))) {}
+std::optional<ZLVValue::ShortText> ZLVValue::shortened(std::string_view text) noexcept {
+  ShortText shortText{};
+  if (text.size() > shortText.characters.size()) return std::nullopt;
+  std::copy(text.begin(), text.end(), shortText.characters.begin());
+  shortText.size = static_cast<std::uint8_t>(text.size());
+  return shortText;
+}
+
+ZLVValue::ZLVValue(std::string text) {
+  if (const auto shortText = shortened(text)) {
+    storage_ = *shortText;
+  } else {
+    storage_ = std::make_shared<const std::string>(std::move(text));
+  }
+}
+
+ZLVValue::ZLVValue(std::string_view text) {
+  if (const auto shortText = shortened(text)) {
+    storage_ = *shortText;
+  } else {
+    storage_ = std::make_shared<const std::string>(text);
+  }
+}
 
 ZLVValue::ZLVValue(const char* text) {
-  if (text != nullptr) storage_ = std::make_shared<const std::string>(text);
+  if (text != nullptr) *this = std::string_view(text);
 }
 
 ZLVValue::ZLVValue(std::optional<std::string> text) {
-  if (text) storage_ = std::make_shared<const std::string>(*std::move(text));
+  if (text) *this = *std::move(text);
 }
 
 ZLVValue::ZLVValue(ZLVArray array) : storage_(std::make_shared<const ZLVArray>(std::move(array))) {}
@@ -65,6 +99,9 @@ std::optional<bool> ZLVValue::boolean() const noexcept {
 }
 
 std::optional<std::string_view> ZLVValue::text() const noexcept {
+  if (const auto* text = std::get_if<ShortText>(&storage_)) {
+    return std::string_view(text->characters.data(), text->size);
+  }
   const auto* text = std::get_if<std::shared_ptr<const std::string>>(&storage_);
   return text != nullptr ? std::optional<std::string_view>(**text) : std::nullopt;
 }
@@ -137,25 +174,34 @@ bool operator==(const ZLVValue& left, const ZLVValue& right) noexcept {
   using Kind = ZLVValue::Kind;
   if (left.kind() != right.kind()) return false;
   switch (left.kind()) {
+    case Kind::Null:
+    case Kind::Absent:
+      return true;
+    case Kind::Boolean:
+      return left.boolean() == right.boolean();
     case Kind::Text:
       return left.text() == right.text();
     case Kind::Array:
       return *left.array() == *right.array();
     case Kind::Dictionary:
       return *left.dictionary() == *right.dictionary();
-    default:
-      return left.storage_ == right.storage_;
+    case Kind::Record:
+      return left.record() == right.record();
+    case Kind::Double:
+      return left.number() == right.number();
+    case Kind::Integer:
+      return std::get<std::int64_t>(left.storage_) == std::get<std::int64_t>(right.storage_);
+    case Kind::Unsigned:
+      return std::get<std::uint64_t>(left.storage_) == std::get<std::uint64_t>(right.storage_);
   }
+  return false;
 }
 
 ZLVDictionary::ZLVDictionary(std::initializer_list<Entry> entries)
     : ZLVDictionary(std::vector<Entry>(entries)) {}
 
 ZLVDictionary::ZLVDictionary(std::vector<Entry> entries) : entries_(std::move(entries)) {
-  const auto isLess = [](const Entry& left, const Entry& right) {
-    return left.first < right.first;
-  };
-  std::stable_sort(entries_.begin(), entries_.end(), isLess);
+  sortByKey(entries_);
   // The last of equal keys stays, so duplicates are looked for from the end.
   const auto isSame = [](const Entry& left, const Entry& right) {
     return left.first == right.first;
