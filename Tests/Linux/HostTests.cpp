@@ -1,0 +1,200 @@
+// The parts of the platform that face the host: main queue, console, log, and their assembly.
+
+#include <csignal>
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <memory>
+#include <numeric>
+#include <set>
+#include <stdexcept>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include <gtest/gtest.h>
+#include <poll.h>
+#include <sys/stat.h>
+#include <syslog.h>
+#include <unistd.h>
+
+#include <ZolvaCheckoutKit/Platform/Linux/ZLVConsoleUserInterface.h>
+#include <ZolvaCheckoutKit/Platform/Linux/ZLVLinuxMainQueue.h>
+#include <ZolvaCheckoutKit/Platform/Linux/ZLVLinuxPlatform.h>
+#include <ZolvaCheckoutKit/ZLVError.h>
+
+namespace {
+
+bool isReadable(const ZLVLinuxMainQueue& queue) {
+  pollfd event{queue.fileDescriptor(), POLLIN, 0};
+  return poll(&event, 1, 0) == 1;
+}
+
+TEST(MainQueue, RunsBlocksInOrderOnTheThreadThatRunsIt) {
+  ZLVLinuxMainQueue queue;
+  std::vector<int> order;
+  std::set<std::thread::id> threads;
+  std::thread other([&] {
+    for (int i = 0; i < 1000; ++i) {
+      queue.dispatch([&, i] {
+        order.push_back(i);
+        threads.insert(std::this_thread::get_id());
+      });
+    }
+    queue.stop();
+    queue.dispatch([&] { order.push_back(1000); });
+  });
+  queue.run();
+  other.join();
+  std::vector<int> expected(1000);
+  std::iota(expected.begin(), expected.end(), 0);
+  EXPECT_EQ(order, expected);
+  EXPECT_EQ(threads, std::set{std::this_thread::get_id()});
+  EXPECT_TRUE(isReadable(queue));
+  queue.drain();
+  EXPECT_EQ(order.size(), 1001U);
+  EXPECT_FALSE(isReadable(queue));
+}
+
+TEST(MainQueue, NeverRunsABlockInsideDispatch) {
+  ZLVLinuxMainQueue queue;
+  std::string order;
+  queue.dispatch([&] {
+    queue.dispatch([&] { order += 'b'; });
+    order += 'a';
+  });
+  EXPECT_EQ(order, "");
+  queue.drain();
+  EXPECT_EQ(order, "a");
+  EXPECT_TRUE(isReadable(queue));
+  queue.drain();
+  EXPECT_EQ(order, "ab");
+
+  // An inner run ends by itself, the outer one goes on.
+  queue.dispatch([&] {
+    queue.stop();
+    queue.run();
+    queue.dispatch([&] { order += 'c'; });
+    queue.stop();
+  });
+  queue.run();
+  EXPECT_EQ(order, "abc");
+}
+
+TEST(MainQueue, LetsThroughWhatABlockThrows) {
+  ZLVLinuxMainQueue queue;
+  std::string order;
+  const auto dispatch = [&] {
+    queue.dispatch([&] { order += 'a'; });
+    queue.dispatch([&] {
+      order += '!';
+      throw std::runtime_error("a block");
+    });
+    queue.dispatch([&] { order += 'b'; });
+    queue.stop();
+  };
+  dispatch();
+  EXPECT_THROW(queue.run(), std::runtime_error);
+  EXPECT_TRUE(isReadable(queue));
+  queue.run();
+  EXPECT_EQ(order, "a!b");
+  dispatch();
+  EXPECT_THROW(queue.drain(), std::runtime_error);
+  queue.drain();
+  EXPECT_EQ(order, "a!ba!b");
+  EXPECT_FALSE(isReadable(queue));
+}
+
+TEST(MainQueue, DestroysWhatNeverRuns) {
+  auto alive = std::make_shared<int>();
+  {
+    ZLVLinuxMainQueue queue;
+    // What goes with a block may dispatch once more.
+    const auto last = [&queue, alive](int*) { queue.dispatch([alive] {}); };
+    queue.dispatch([held = std::shared_ptr<int>(nullptr, last)] { FAIL(); });
+  }
+  EXPECT_EQ(alive.use_count(), 1);
+}
+
+class Console : public testing::Test {
+ protected:
+  std::unique_ptr<ZLVBrowser> show(const std::string& page) {
+    auto browser = interface_.makeBrowser(*ZLVURL::URLWithString(page));
+    browser->setDismissButtonStyle(ZLVDismissButtonStyle::Close);
+    browser->show(*interface_.keyWindowRootViewController(), true,
+                  [this, page] { closed_.push_back(page); });
+    return browser;
+  }
+
+  std::shared_ptr<ZLVLinuxMainQueue> queue_ = std::make_shared<ZLVLinuxMainQueue>();
+  ZLVConsoleUserInterface interface_{queue_};
+  std::vector<std::string> closed_;
+};
+
+TEST_F(Console, ClosesThePageOnTopLater) {
+  testing::internal::CaptureStderr();
+  EXPECT_FALSE(interface_.closeBrowser());
+  const auto first = show("https://wallet.example/1");
+  auto hidden = show("https://wallet.example/2"), gone = show("https://wallet.example/3");
+  EXPECT_TRUE(interface_.openURL(*ZLVURL::URLWithString("zolvademo://x")));
+  EXPECT_EQ(testing::internal::GetCapturedStderr(),
+            "open https://wallet.example/1\nopen https://wallet.example/2\n"
+            "open https://wallet.example/3\nopen zolvademo://x\n");
+
+  EXPECT_TRUE(interface_.closeBrowser());
+  gone.reset();
+  hidden->hide(true);
+  EXPECT_TRUE(interface_.closeBrowser());
+  EXPECT_FALSE(interface_.closeBrowser());
+  EXPECT_TRUE(closed_.empty());
+  queue_->drain();
+  EXPECT_EQ(closed_, std::vector<std::string>{"https://wallet.example/1"});
+}
+
+TEST_F(Console, StartsTheCommandWithoutShellOrZombie) {
+  // A pipe by name: opening it for reading waits until the command has opened it for writing, and
+  // reading ends when the command does.
+  const auto folder =
+      std::filesystem::temp_directory_path() / ("zolva-" + std::to_string(getpid()));
+  std::filesystem::create_directory(folder);
+  const auto pipe = folder / "pipe", program = folder / "a command";
+  ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+  std::ofstream(program) << "#!/bin/sh\nexec >'" << pipe.string() << "'\necho \"$$ $# $1\"\ncat\n";
+  std::filesystem::permissions(program, std::filesystem::perms::owner_all);
+
+  ZLVConsoleUserInterface interface(queue_, program);
+  interface.openURL(*ZLVURL::URLWithString("https://wallet.example/?a=$(id)&b"));
+  pid_t child = 0;
+  std::string rest;
+  std::getline(std::ifstream(pipe) >> child, rest, '\0');
+  EXPECT_EQ(rest, " 1 https://wallet.example/?a=$(id)&b\n");
+  // A child that nobody waits for keeps its number.
+  while (kill(child, 0) == 0) std::this_thread::yield();
+  std::filesystem::remove_all(folder);
+
+  testing::internal::CaptureStderr();
+  ZLVConsoleUserInterface(queue_, "/no/such/command")
+      .openURL(*ZLVURL::URLWithString("https://wallet.example/"));
+  EXPECT_EQ(testing::internal::GetCapturedStderr(),
+            "open https://wallet.example/\n"
+            "cannot start /no/such/command: No such file or directory\n");
+}
+
+TEST(LinuxPlatform, IsMadeOfAllItsParts) {
+  EXPECT_THROW((void)ZLVLinuxPlatform::platformWithOptions({.applicationName = "Shop"}),
+               ZLVProgrammingFault);
+  const auto platform = ZLVLinuxPlatform::platformWithOptions(
+      {.applicationName = "Shop", .applicationVersion = "2.1", .analyticsRootURL = "http://a/"});
+  EXPECT_EQ(platform.mainQueue, ZLVLinuxMainQueue::mainQueue());
+  EXPECT_EQ(platform.device->bundleShortVersion(), "2.1");
+  EXPECT_EQ(platform.device->bundleDisplayName(), "Shop");
+  EXPECT_EQ(platform.analyticsRootURL, "http://a/");
+  EXPECT_NE(platform.userInterface->keyWindowRootViewController(), nullptr);
+
+  openlog("host", LOG_PERROR, LOG_USER);
+  testing::internal::CaptureStderr();
+  platform.systemLog->log("100 %s of it");
+  EXPECT_EQ(testing::internal::GetCapturedStderr(), "host: 100 %s of it\n");
+}
+
+}  // namespace

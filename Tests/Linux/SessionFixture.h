@@ -1,0 +1,47 @@
+#pragma once
+
+// Calls through the session of the Linux platform, one after the other.
+
+#include <future>
+#include <memory>
+#include <string>
+#include <utility>
+
+#include <ZolvaCheckoutKit/Platform/Linux/ZLVLinuxPlatform.h>
+
+#include "Tests/Support/RawServer.h"
+
+inline ZLVLinuxOptions linuxOptions() {
+  return {.applicationName = "Tests", .applicationVersion = "1"};
+}
+
+inline std::unique_ptr<ZLVURLSession> makeSession(const ZLVLinuxOptions& options = linuxOptions()) {
+  return ZLVLinuxPlatform::platformWithOptions(options).makeURLSession();
+}
+
+inline ZLVURLRequest request(const std::string& url, const std::string& method = "GET") {
+  ZLVURLRequest request;
+  request.URL = ZLVURL::URLWithString(url);
+  request.HTTPMethod = method;
+  return request;
+}
+
+inline std::future<ZLVURLAnswer> start(ZLVURLSession& session, ZLVURLRequest request) {
+  std::promise<ZLVURLAnswer> promise;
+  auto answer = promise.get_future();
+  session.dataTask(std::move(request), [promise = std::move(promise)](ZLVURLAnswer value) mutable {
+    promise.set_value(std::move(value));
+  });
+  return answer;
+}
+
+inline ZLVURLAnswer call(ZLVURLSession& session, ZLVURLRequest request) {
+  return start(session, std::move(request)).get();
+}
+
+inline ZLVURLAnswer call(ZLVURLRequest request, const ZLVLinuxOptions& options = linuxOptions()) {
+  return call(*makeSession(options), std::move(request));
+}
+
+/// The error's code, after a check of what every error has to have; 0 for an answer.
+std::int64_t code(const ZLVURLAnswer& answer);

@@ -1,0 +1,143 @@
+#include <algorithm>
+#include <new>
+#include <utility>
+
+#include <pthread.h>
+#include <signal.h>
+
+#include <ZolvaCheckoutKit/Platform/Linux/Internal/ZLVCurlLoop.h>
+#include <ZolvaCheckoutKit/Platform/Linux/Internal/ZLVCurlLoops.h>
+
+namespace {
+
+/// The host's signal handlers run on the host's threads, and a broken connection does not end the
+/// process by SIGPIPE. What the thread itself does wrong is still reported.
+void blockSignals() {
+  sigset_t signals;
+  sigfillset(&signals);
+  for (const int own : {SIGSEGV, SIGBUS, SIGFPE, SIGILL, SIGTRAP, SIGABRT, SIGPROF}) {
+    sigdelset(&signals, own);
+  }
+  pthread_sigmask(SIG_BLOCK, &signals, nullptr);
+}
+
+}  // namespace
+
+ZLVCurlLoop::ZLVCurlLoop(ZLVCurlConfiguration configuration, std::optional<std::string> CAFile)
+    : configuration_(std::move(configuration)), CAFile_(std::move(CAFile)) {}
+
+void ZLVCurlLoop::start() {
+  thread_ = std::thread([this] { run(); });
+}
+
+void ZLVCurlLoop::add(std::unique_ptr<ZLVCurlTransfer> transfer) {
+  const std::lock_guard lock(mutex_);
+  added_.push_back(std::move(transfer));
+  if (added_.size() == 1 && multi_ != nullptr) curl_multi_wakeup(multi_);
+}
+
+void ZLVCurlLoop::end(End how) {
+  {
+    const std::lock_guard lock(mutex_);
+    end_ = how;
+    if (multi_ != nullptr) curl_multi_wakeup(multi_);
+  }
+  if (thread_.joinable() && thread_.get_id() != std::this_thread::get_id()) thread_.join();
+}
+
+void ZLVCurlLoop::run() {
+  blockSignals();
+  pthread_setname_np(pthread_self(), "zlv-http");
+  setUp();
+  End end = takeAdded();
+  for (int running = 0; end == End::None; end = takeAdded()) {
+    curl_multi_perform(multi_, &running);
+    takeDone();
+    failIdle();
+    curl_multi_poll(multi_, nullptr, 0, pollMilliseconds(), nullptr);
+  }
+  if (end == End::Cancel) tearDown();
+}
+
+void ZLVCurlLoop::setUp() {
+  ZLVCurlLoops::setUpLibrary();
+  if (CAFile_) {
+    bundle_.emplace(curl_version_info(CURLVERSION_NOW)->cainfo, *CAFile_);
+    configuration_.certificateAuthorities = bundle_->path();
+  }
+  CURLM* multi = curl_multi_init();
+  configuration_.share = curl_share_init();
+  if (multi == nullptr || configuration_.share == nullptr) throw std::bad_alloc();
+  // No locks are given: only this thread uses what is shared.
+  curl_share_setopt(configuration_.share, CURLSHOPT_SHARE, CURL_LOCK_DATA_COOKIE);
+  curl_share_setopt(configuration_.share, CURLSHOPT_SHARE, CURL_LOCK_DATA_SSL_SESSION);
+
+  const std::lock_guard lock(mutex_);
+  multi_ = multi;
+}
+
+void ZLVCurlLoop::tearDown() {
+  while (!transfers_.empty()) fail(transfers_.begin()->first, NSURLErrorCancelled);
+  const std::lock_guard lock(mutex_);
+  curl_multi_cleanup(std::exchange(multi_, nullptr));
+  curl_share_cleanup(configuration_.share);
+}
+
+ZLVCurlLoop::End ZLVCurlLoop::takeAdded() {
+  std::vector<std::unique_ptr<ZLVCurlTransfer>> added;
+  End end = End::None;
+  {
+    const std::lock_guard lock(mutex_);
+    end = end_;
+    if (end != End::Abandon) added.swap(added_);
+  }
+  for (auto& transfer : added) begin(std::move(transfer));
+  return end;
+}
+
+void ZLVCurlLoop::begin(std::unique_ptr<ZLVCurlTransfer> transfer) {
+  if (!transfer->start(configuration_)) return transfer->complete();
+  CURL* handle = transfer->handle();
+  transfers_.emplace(handle, std::move(transfer));
+  if (curl_multi_add_handle(multi_, handle) != CURLM_OK) fail(handle, NSURLErrorUnknown);
+}
+
+void ZLVCurlLoop::takeDone() {
+  int remaining = 0;
+  while (const CURLMsg* message = curl_multi_info_read(multi_, &remaining)) {
+    CURL* handle = message->easy_handle;
+    const CURLcode result = message->data.result;
+    curl_multi_remove_handle(multi_, handle);
+    const auto transfer = transfers_.find(handle);
+    if (transfer->second->continueAfter(result)) {
+      curl_multi_add_handle(multi_, handle);
+    } else {
+      transfers_.extract(transfer).mapped()->complete();
+    }
+  }
+}
+
+void ZLVCurlLoop::failIdle() {
+  const auto now = Clock::now();
+  std::vector<CURL*> idle;
+  for (const auto& [handle, transfer] : transfers_) {
+    if (transfer->deadline() <= now) idle.push_back(handle);
+  }
+  for (CURL* handle : idle) fail(handle, NSURLErrorTimedOut);
+}
+
+void ZLVCurlLoop::fail(CURL* handle, NSURLError code) {
+  curl_multi_remove_handle(multi_, handle);
+  const auto transfer = std::move(transfers_.extract(handle).mapped());
+  transfer->fail(code);
+  transfer->complete();
+}
+
+int ZLVCurlLoop::pollMilliseconds() const {
+  auto deadline = Clock::now() + std::chrono::hours(1);
+  for (const auto& [handle, transfer] : transfers_) {
+    deadline = std::min(deadline, transfer->deadline());
+  }
+  const auto wait = std::chrono::ceil<std::chrono::milliseconds>(deadline - Clock::now());
+  return static_cast<int>(std::max<std::chrono::milliseconds::rep>(wait.count(), 0));
+}

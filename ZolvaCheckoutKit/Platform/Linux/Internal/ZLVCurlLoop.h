@@ -1,0 +1,65 @@
+#pragma once
+
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <string>
+#include <thread>
+#include <unordered_map>
+#include <vector>
+
+#include <curl/curl.h>
+
+#include <ZolvaCheckoutKit/Platform/Linux/Internal/ZLVCertificateBundle.h>
+#include <ZolvaCheckoutKit/Platform/Linux/Internal/ZLVCurlTransfer.h>
+
+/// A thread that runs transfers with one libcurl multi handle.
+class ZLVCurlLoop {
+ public:
+  /// How the thread ends.
+  enum class End {
+    None,
+    Cancel,   ///< Calls under way are answered with `NSURLErrorCancelled`.
+    Abandon,  ///< Everything stays as it is: the process exits.
+  };
+
+  ZLVCurlLoop(ZLVCurlConfiguration configuration, std::optional<std::string> CAFile);
+
+  /// Starts the thread. Once.
+  void start();
+
+  /// Hands over a transfer; before `start` and after `end` it stays where it is. Any thread.
+  void add(std::unique_ptr<ZLVCurlTransfer> transfer);
+
+  /// Ends the thread and, unless called on it, waits for it. Must be called before destruction of a
+  /// loop that was started.
+  void end(End how);
+
+ private:
+  using Clock = ZLVCurlTransfer::Clock;
+
+  void run();
+  void setUp();
+  void tearDown();
+  /// Begins what other threads have added and tells how the loop is to end.
+  End takeAdded();
+  void begin(std::unique_ptr<ZLVCurlTransfer> transfer);
+  void takeDone();
+  void failIdle();
+  void fail(CURL* handle, NSURLError code);
+  [[nodiscard]] int pollMilliseconds() const;
+
+  // The thread's own.
+  ZLVCurlConfiguration configuration_;
+  std::optional<std::string> CAFile_;
+  std::optional<ZLVCertificateBundle> bundle_;
+  std::unordered_map<CURL*, std::unique_ptr<ZLVCurlTransfer>> transfers_;
+
+  // Shared; the multi handle is null while the thread does not run.
+  std::mutex mutex_;
+  CURLM* multi_ = nullptr;
+  std::vector<std::unique_ptr<ZLVCurlTransfer>> added_;
+  End end_ = End::None;
+
+  std::thread thread_;
+};

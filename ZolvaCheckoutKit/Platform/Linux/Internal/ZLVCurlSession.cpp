@@ -1,0 +1,17 @@
+#include <utility>
+
+#include <ZolvaCheckoutKit/Platform/Linux/Internal/ZLVCurlLoop.h>
+#include <ZolvaCheckoutKit/Platform/Linux/Internal/ZLVCurlLoops.h>
+#include <ZolvaCheckoutKit/Platform/Linux/Internal/ZLVCurlSession.h>
+
+ZLVCurlSession::ZLVCurlSession(ZLVCurlConfiguration configuration,
+                               std::optional<std::string> CAFile)
+    : loop_(std::make_shared<ZLVCurlLoop>(std::move(configuration), std::move(CAFile))) {
+  ZLVCurlLoops::start(loop_);
+}
+
+ZLVCurlSession::~ZLVCurlSession() { ZLVCurlLoops::stop(loop_); }
+
+void ZLVCurlSession::dataTask(ZLVURLRequest request, CompletionHandler handler) {
+  loop_->add(std::make_unique<ZLVCurlTransfer>(std::move(request), std::move(handler)));
+}

@@ -1,0 +1,246 @@
+#include <algorithm>
+#include <iterator>
+#include <utility>
+#include <variant>
+
+#include <sys/socket.h>
+
+#include <ZolvaCheckoutKit/Platform/Linux/Internal/ZLVCurlTransfer.h>
+#include <ZolvaCheckoutKit/Platform/Linux/Internal/ZLVTransportError.h>
+
+namespace {
+
+ZLVCurlTransfer::Clock::duration interval(double seconds) {
+  // Within what the clock can count; a value that is no number becomes the least.
+  const std::chrono::duration<double> bounded(std::min(std::max(0.001, seconds), 1e8));
+  return std::chrono::duration_cast<ZLVCurlTransfer::Clock::duration>(bounded);
+}
+
+/// An HTTP token, which a method and a header's name have to be.
+bool isToken(std::string_view text) {
+  constexpr std::string_view allowed =
+      "!#$%&'*+-.^_`|~0123456789ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz";
+  return !text.empty() && text.find_first_not_of(allowed) == text.npos;
+}
+
+bool isHeader(const std::pair<std::string, std::string>& header) {
+  constexpr std::string_view breaks("\r\n\0", 3);
+  return isToken(header.first) && header.second.find_first_of(breaks) == std::string::npos;
+}
+
+/// The line for libcurl, which wants a header without a value ended by a semicolon.
+std::string line(const std::pair<std::string, std::string>& header) {
+  return header.second.empty() ? header.first + ";" : header.first + ": " + header.second;
+}
+
+}  // namespace
+
+/// What libcurl calls while it works on the handle.
+struct ZLVCurlTransfer::Callbacks {
+  static std::size_t header(const char* /*line*/, std::size_t, std::size_t size, void* self) {
+    static_cast<ZLVCurlTransfer*>(self)->lastProgress_ = Clock::now();
+    return size;
+  }
+
+  static std::size_t write(const char* bytes, std::size_t, std::size_t size, void* self) {
+    auto& transfer = *static_cast<ZLVCurlTransfer*>(self);
+    std::string& data = transfer.answer_.data;
+    transfer.isTooLarge_ = size > transfer.configuration_->maximumAnswerSize - data.size();
+    if (transfer.isTooLarge_) return 0;
+    data.append(bytes, size);
+    return size;
+  }
+
+  static int progress(void* self, curl_off_t, curl_off_t received, curl_off_t, curl_off_t sent) {
+    auto& transfer = *static_cast<ZLVCurlTransfer*>(self);
+    if (std::exchange(transfer.bytesMoved_, received + sent) != received + sent) {
+      transfer.lastProgress_ = Clock::now();
+    }
+    return 0;
+  }
+
+  /// Asked before each time that the request is sent.
+  static int send(void* self, char*, char*, int, int) {
+    auto& transfer = *static_cast<ZLVCurlTransfer*>(self);
+    if (transfer.refusesToSend()) return CURL_PREREQFUNC_ABORT;
+    transfer.isSent_ = true;
+    transfer.lastProgress_ = Clock::now();
+    return CURL_PREREQFUNC_OK;
+  }
+
+  static curl_socket_t open(void* self, curlsocktype, curl_sockaddr* address) {
+    if (static_cast<ZLVCurlTransfer*>(self)->refusesToSend()) return CURL_SOCKET_BAD;
+    return socket(address->family, address->socktype | SOCK_CLOEXEC, address->protocol);
+  }
+};
+
+ZLVCurlTransfer::ZLVCurlTransfer(ZLVURLRequest request, ZLVURLSession::CompletionHandler handler)
+    : request_(std::move(request)),
+      handler_(std::move(handler)),
+      timeoutInterval_(interval(request_.timeoutInterval)) {}
+
+bool ZLVCurlTransfer::start(const ZLVCurlConfiguration& configuration) {
+  configuration_ = &configuration;
+  if (const auto& url = request_.URL) {
+    hop_.url = {.text = url->absoluteString(), .scheme = url->scheme()};
+    // libcurl would take the path of a URL without a host for one.
+    const auto parsed = ZLVWebURL::parsed(hop_.url.text);
+    if (parsed && !url->host().empty()) hop_.url = *parsed;
+  }
+  hop_.method = std::move(request_.HTTPMethod);
+  hop_.headers = std::move(request_.allHTTPHeaderFields);
+  hop_.body = std::move(request_.HTTPBody);
+  handle_.reset(curl_easy_init());
+  if (handle_ == nullptr) setting_ = CURLE_OUT_OF_MEMORY;
+  setCallOptions();
+  return prepare();
+}
+
+bool ZLVCurlTransfer::continueAfter(CURLcode result) {
+  long status = 0;
+  curl_easy_getinfo(handle(), CURLINFO_RESPONSE_CODE, &status);
+  curl_header* location = nullptr;
+  const bool isRedirected =
+      result == CURLE_OK && ZLVHTTPHop::isRedirect(status) &&
+      curl_easy_header(handle(), "Location", 0, CURLH_HEADER, -1, &location) == CURLHE_OK;
+  if (!isRedirected) {
+    conclude(result);
+    return false;
+  }
+
+  auto next = hop_.redirected(status, location->value);
+  if (const auto* error = std::get_if<NSURLError>(&next)) {
+    fail(*error);
+    return false;
+  }
+  hop_ = std::get<ZLVHTTPHop>(std::move(next));
+  return prepare();
+}
+
+bool ZLVCurlTransfer::prepare() {
+  answer_ = {};
+  isSent_ = false;
+  if (const auto code = refusal()) {
+    fail(*code);
+    return false;
+  }
+  setHopOptions();
+  if (setting_ != CURLE_OK) conclude(setting_);
+  return setting_ == CURLE_OK;
+}
+
+std::optional<NSURLError> ZLVCurlTransfer::refusal() const {
+  const ZLVWebURL& url = hop_.url;
+  if (url.text.empty()) return NSURLErrorBadURL;
+  if (url.scheme != "http" && url.scheme != "https") return NSURLErrorUnsupportedURL;
+  if (url.host.empty()) return NSURLErrorBadURL;
+  if (url.scheme == "http" && !configuration_->allowsCleartext && !url.isLoopback()) {
+    return NSURLErrorAppTransportSecurityRequiresSecureConnection;
+  }
+  if (!isToken(hop_.method) || !std::ranges::all_of(hop_.headers, isHeader)) {
+    return NSURLErrorBadURL;
+  }
+  return std::nullopt;
+}
+
+bool ZLVCurlTransfer::refusesToSend() {
+  isLost_ = isSent_ && !hop_.mayBeResent();
+  return isLost_;
+}
+
+template <class Value>
+void ZLVCurlTransfer::set(CURLoption option, Value value) {
+  if (setting_ == CURLE_OK) setting_ = curl_easy_setopt(handle(), option, value);
+}
+
+void ZLVCurlTransfer::setCallOptions() {
+  set(CURLOPT_PRIVATE, this);
+  set(CURLOPT_ERRORBUFFER, message_.data());
+  set(CURLOPT_HEADERFUNCTION, &Callbacks::header);
+  set(CURLOPT_HEADERDATA, this);
+  set(CURLOPT_WRITEFUNCTION, &Callbacks::write);
+  set(CURLOPT_WRITEDATA, this);
+
+  set(CURLOPT_PROTOCOLS_STR, "http,https");
+  set(CURLOPT_PATH_AS_IS, 1L);
+  set(CURLOPT_ACCEPT_ENCODING, "");
+  set(CURLOPT_SHARE, configuration_->share);
+  set(CURLOPT_COOKIEFILE, "");
+
+  // A request with effects goes out once: libcurl asks these two when it wants to send it again,
+  // because a connection used before broke.
+  set(CURLOPT_PREREQFUNCTION, &Callbacks::send);
+  set(CURLOPT_PREREQDATA, this);
+  set(CURLOPT_OPENSOCKETFUNCTION, &Callbacks::open);
+  set(CURLOPT_OPENSOCKETDATA, this);
+
+  set(CURLOPT_PIPEWAIT, 1L);
+  set(CURLOPT_TCP_KEEPALIVE, 1L);
+  set(CURLOPT_SSLVERSION, static_cast<long>(CURL_SSLVERSION_TLSv1_2));
+  // A folder of authorities would keep libcurl from keeping those of the file.
+  if (curl_version_info(CURLVERSION_NOW)->cainfo != nullptr) {
+    set(CURLOPT_CAPATH, static_cast<const char*>(nullptr));
+  }
+  if (const auto& file = configuration_->certificateAuthorities; !file.empty()) {
+    set(CURLOPT_CAINFO, file.c_str());
+  }
+
+  // The session ends what is idle; this only makes libcurl share the time among a host's addresses.
+  using Milliseconds = std::chrono::duration<long, std::milli>;
+  set(CURLOPT_CONNECTTIMEOUT_MS, std::chrono::ceil<Milliseconds>(timeoutInterval_).count());
+  set(CURLOPT_NOPROGRESS, 0L);
+  set(CURLOPT_XFERINFOFUNCTION, &Callbacks::progress);
+  set(CURLOPT_XFERINFODATA, this);
+  set(CURLOPT_NOSIGNAL, 1L);
+  // A name that is still being looked up must not hold up the session's thread.
+  set(CURLOPT_QUICK_EXIT, 1L);
+}
+
+void ZLVCurlTransfer::setHopOptions() {
+  set(CURLOPT_URL, hop_.url.text.c_str());
+  set(CURLOPT_PROXY, hop_.url.isLoopback() ? "" : nullptr);  // null is the environment's
+
+  set(CURLOPT_HTTPGET, 1L);
+  set(CURLOPT_CUSTOMREQUEST, hop_.method.c_str());
+  if (hop_.method == "HEAD") {
+    set(CURLOPT_NOBODY, 1L);
+  } else if (hop_.method != "GET" || hop_.body) {
+    const std::string_view body = hop_.body ? std::string_view(*hop_.body) : "";
+    set(CURLOPT_POSTFIELDSIZE_LARGE, static_cast<curl_off_t>(body.size()));
+    set(CURLOPT_POSTFIELDS, body.data());
+  }
+
+  // The first two keep libcurl from adding its own to a body.
+  std::vector<std::string> lines{"Expect:", "Content-Type:"};
+  std::ranges::transform(hop_.headers, std::back_inserter(lines), line);
+  headers_.reset();
+  for (const auto& text : lines) {
+    curl_slist* list = curl_slist_append(headers_.get(), text.c_str());
+    if (list == nullptr) setting_ = CURLE_OUT_OF_MEMORY;
+    if (headers_ == nullptr) headers_.reset(list);
+  }
+  set(CURLOPT_HTTPHEADER, headers_.get());
+}
+
+void ZLVCurlTransfer::conclude(CURLcode result) {
+  if (result == CURLE_OK) {
+    long status = 0;
+    curl_easy_getinfo(handle(), CURLINFO_RESPONSE_CODE, &status);
+    answer_.statusCode = static_cast<int>(status);
+  } else if (isTooLarge_) {
+    fail(NSURLErrorDataLengthExceedsMaximum);
+  } else {
+    const std::string message = isLost_            ? "the request was not sent again"
+                                : message_.front() ? message_.data()
+                                                   : curl_easy_strerror(result);
+    fail(isLost_ ? NSURLErrorNetworkConnectionLost : ZLVTransportError::code(result, handle()),
+         "libcurl " + std::to_string(result) + ": " + message);
+  }
+}
+
+void ZLVCurlTransfer::fail(NSURLError code, const std::string& underlying) {
+  answer_ = {};
+  answer_.error = ZLVTransportError::error(code, hop_.url.text, underlying);
+}
+
+void ZLVCurlTransfer::complete() { std::move(handler_)(std::move(answer_)); }

@@ -1,0 +1,85 @@
+#pragma once
+
+#include <array>
+#include <chrono>
+#include <memory>
+#include <optional>
+#include <string>
+
+#include <curl/curl.h>
+
+#include <ZolvaCheckoutKit/Platform/Linux/Internal/ZLVHTTPHop.h>
+#include <ZolvaCheckoutKit/Platform/ZLVURLSession.h>
+
+/// What all transfers of a session have in common.
+struct ZLVCurlConfiguration {
+  bool allowsCleartext = false;
+  std::size_t maximumAnswerSize = 0;
+  /// The file of certificate authorities; libcurl's own when empty.
+  std::string certificateAuthorities = {};
+  /// Cookies and TLS sessions.
+  CURLSH* share = nullptr;
+};
+
+/// One call: its request on the way along redirects, and its answer so far. Used on the session's
+/// thread, which gives `handle` to libcurl each time that `start` or `redirected` says so.
+class ZLVCurlTransfer {
+ public:
+  using Clock = std::chrono::steady_clock;
+
+  ZLVCurlTransfer(ZLVURLRequest request, ZLVURLSession::CompletionHandler handler);
+  ZLVCurlTransfer(const ZLVCurlTransfer&) = delete;
+  ZLVCurlTransfer& operator=(const ZLVCurlTransfer&) = delete;
+
+  [[nodiscard]] CURL* handle() const { return handle_.get(); }
+
+  /// Prepares the handle for the first hop. False when the request cannot be sent; `answer` then
+  /// says why.
+  bool start(const ZLVCurlConfiguration& configuration);
+
+  /// Takes in that libcurl is done with the handle. True when it is prepared for another hop.
+  bool continueAfter(CURLcode result);
+
+  /// The moment at which the call has made no progress for too long.
+  [[nodiscard]] Clock::time_point deadline() const { return lastProgress_ + timeoutInterval_; }
+
+  void fail(NSURLError code, const std::string& underlying = {});
+
+  /// Gives the answer to the handler; the transfer is over.
+  void complete();
+
+ private:
+  struct Callbacks;
+
+  bool prepare();
+  /// Sets an option, unless an earlier one could not be set.
+  template <class Value>
+  void set(CURLoption option, Value value);
+  void setCallOptions();
+  void setHopOptions();
+  std::optional<NSURLError> refusal() const;
+  bool refusesToSend();
+  void conclude(CURLcode result);
+
+  struct Cleanup {
+    void operator()(CURL* handle) const { curl_easy_cleanup(handle); }
+    void operator()(curl_slist* list) const { curl_slist_free_all(list); }
+  };
+
+  ZLVURLRequest request_;
+  ZLVURLSession::CompletionHandler handler_;
+  const ZLVCurlConfiguration* configuration_ = nullptr;
+  Clock::duration timeoutInterval_;
+  Clock::time_point lastProgress_ = Clock::now();
+
+  ZLVHTTPHop hop_;
+  ZLVURLAnswer answer_;
+  curl_off_t bytesMoved_ = 0;
+  CURLcode setting_ = CURLE_OK;
+  bool isSent_ = false;  // this hop
+  bool isLost_ = false;  // libcurl wanted to send this hop again
+  bool isTooLarge_ = false;
+  std::array<char, CURL_ERROR_SIZE> message_{};
+  std::unique_ptr<curl_slist, Cleanup> headers_;
+  std::unique_ptr<CURL, Cleanup> handle_;
+};

@@ -1,0 +1,61 @@
+#include <strings.h>
+
+#include <ZolvaCheckoutKit/Platform/Linux/Internal/ZLVHTTPHop.h>
+
+namespace {
+
+constexpr int maximumRedirects = 20;
+
+bool isContentType(const std::pair<std::string, std::string>& header) {
+  return strcasecmp(header.first.c_str(), "Content-Type") == 0;
+}
+
+/// Whether the request goes on as a GET without its body.
+bool becomesGet(long status, const std::string& method) {
+  switch (status) {
+    case 301:
+    case 302:
+      return method == "POST";
+    case 303:
+      return method != "HEAD";
+    default:
+      return false;
+  }
+}
+
+}  // namespace
+
+bool ZLVHTTPHop::isRedirect(long status) {
+  switch (status) {
+    case 301:
+    case 302:
+    case 303:
+    case 307:
+    case 308:
+      return true;
+    default:
+      return false;
+  }
+}
+
+std::variant<ZLVHTTPHop, NSURLError> ZLVHTTPHop::redirected(long status,
+                                                            const std::string& location) const {
+  if (redirects == maximumRedirects) return NSURLErrorHTTPTooManyRedirects;
+  const auto target = url.resolved(location);
+  if (!target) return NSURLErrorRedirectToNonExistentLocation;
+  if (url.scheme == "https" && target->scheme == "http") {
+    return NSURLErrorAppTransportSecurityRequiresSecureConnection;
+  }
+
+  ZLVHTTPHop next{*target, method, headers, body, redirects + 1};
+  // What the host meant for one server, credentials among it, is not for another one.
+  if (!url.hasSameOrigin(*target)) {
+    std::erase_if(next.headers, [](const auto& header) { return !isContentType(header); });
+  }
+  if (becomesGet(status, method)) {
+    next.method = "GET";
+    next.body.reset();
+    std::erase_if(next.headers, isContentType);
+  }
+  return next;
+}

@@ -1,0 +1,83 @@
+#include <thread>
+#include <utility>
+
+#include <sys/utsname.h>
+
+#include <ZolvaCheckoutKit/Platform/Linux/Internal/ZLVLinuxDevice.h>
+#include <ZolvaCheckoutKit/Platform/Linux/Internal/ZLVSystemFile.h>
+#include <ZolvaCheckoutKit/Platform/Linux/Internal/ZLVSystemLanguages.h>
+#include <ZolvaCheckoutKit/Platform/Linux/Internal/ZLVThreadClocks.h>
+#include <ZolvaCheckoutKit/Platform/Linux/Internal/ZLVVendorIdentifier.h>
+
+namespace {
+
+/// Between the two readings of the threads' clocks: long enough to see who is at work, short enough
+/// for the main thread.
+constexpr std::chrono::milliseconds threadInterval(5);
+
+utsname kernelNames() {
+  utsname names{};
+  uname(&names);
+  return names;
+}
+
+}  // namespace
+
+ZLVLinuxDevice::ZLVLinuxDevice(ZLVLinuxApplication application, std::filesystem::path root)
+    : application_(std::move(application)), root_(std::move(root)) {}
+
+std::optional<std::string> ZLVLinuxDevice::identifierForVendor() const {
+  for (const char* file : {"etc/machine-id", "var/lib/dbus/machine-id"}) {
+    if (const auto machineIdentifier = ZLVSystemFile::firstLine(root_ / file)) {
+      return ZLVVendorIdentifier::identifier(*machineIdentifier, application_.identifier);
+    }
+  }
+  return std::nullopt;
+}
+
+std::optional<ZLVSize> ZLVLinuxDevice::mainScreenSize() const { return std::nullopt; }
+
+std::optional<std::string> ZLVLinuxDevice::bundleDisplayName() const {
+  if (application_.displayName.empty()) return std::nullopt;
+  return application_.displayName;
+}
+
+std::optional<std::string> ZLVLinuxDevice::bundleShortVersion() const {
+  return application_.shortVersion;
+}
+
+std::vector<std::string> ZLVLinuxDevice::preferredLocalizations() const { return {}; }
+
+std::vector<std::string> ZLVLinuxDevice::preferredLanguages() const {
+  return ZLVSystemLanguages::preferred();
+}
+
+std::optional<std::string> ZLVLinuxDevice::machine() const {
+  for (const char* file : {"sys/class/dmi/id/product_name", "proc/device-tree/model"}) {
+    if (auto model = ZLVSystemFile::firstLine(root_ / file)) return model;
+  }
+  return kernelNames().machine;
+}
+
+std::optional<std::string> ZLVLinuxDevice::name() const {
+  if (auto name = ZLVSystemFile::setting(root_ / "etc/machine-info", "PRETTY_HOSTNAME")) {
+    return name;
+  }
+  return kernelNames().nodename;
+}
+
+std::optional<std::string> ZLVLinuxDevice::systemVersion() const {
+  for (const char* file : {"etc/os-release", "usr/lib/os-release"}) {
+    if (auto version = ZLVSystemFile::setting(root_ / file, "VERSION_ID")) return version;
+  }
+  return kernelNames().release;
+}
+
+std::optional<ZLVDevice::Threads> ZLVLinuxDevice::threads() const {
+  const auto earlier = ZLVThreadClocks::read();
+  if (!earlier) return std::nullopt;
+  std::this_thread::sleep_for(threadInterval);
+  const auto now = ZLVThreadClocks::read();
+  if (!now) return std::nullopt;
+  return now->usageSince(*earlier);
+}

@@ -1,0 +1,29 @@
+#include <array>
+#include <thread>
+
+#include <fcntl.h>
+#include <spawn.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <ZolvaCheckoutKit/Platform/Linux/Internal/ZLVProcess.h>
+
+std::error_code ZLVProcess::start(const std::string& program, const std::string& argument) {
+  posix_spawn_file_actions_t actions;
+  posix_spawn_file_actions_init(&actions);
+  posix_spawn_file_actions_addopen(&actions, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
+  posix_spawn_file_actions_adddup2(&actions, STDERR_FILENO, STDOUT_FILENO);
+
+  // posix_spawnp takes the arguments as not const for C's sake and does not change them.
+  const std::array<char*, 3> arguments{const_cast<char*>(program.c_str()),
+                                       const_cast<char*>(argument.c_str()), nullptr};
+  pid_t child = 0;
+  const int error =
+      posix_spawnp(&child, program.c_str(), &actions, nullptr, arguments.data(), environ);
+  posix_spawn_file_actions_destroy(&actions);
+  if (error != 0) return {error, std::generic_category()};
+
+  // SIGCHLD is the host's, so the child is waited for here.
+  std::thread([child] { waitpid(child, nullptr, 0); }).detach();
+  return {};
+}

@@ -1,0 +1,13 @@
+#pragma once
+
+#include <string>
+#include <system_error>
+
+/// Other programs.
+class ZLVProcess {
+ public:
+  /// Starts `program`, found in PATH, with one argument and without a shell, and does not wait for
+  /// it. It reads nothing and writes where this process reports errors, so that it cannot take the
+  /// host's input nor add to its output. Any thread.
+  static std::error_code start(const std::string& program, const std::string& argument);
+};

@@ -1,0 +1,158 @@
+#include <algorithm>
+#include <cerrno>
+#include <iterator>
+#include <string_view>
+#include <utility>
+
+#include <ZolvaCheckoutKit/Platform/Linux/Internal/ZLVTransportError.h>
+#include <ZolvaCheckoutKit/Platform/Linux/Internal/ZLVWebURL.h>
+
+namespace {
+
+struct Description {
+  NSURLError code;
+  std::string_view text;  // % stands for the server
+};
+
+constexpr Description descriptions[] = {
+    {NSURLErrorCancelled, "The call was cancelled."},
+    {NSURLErrorBadURL, "The request cannot be sent: its URL, method or a header is malformed."},
+    {NSURLErrorTimedOut, "% did not answer in time. Try again later."},
+    {NSURLErrorUnsupportedURL, "The URL is neither http nor https."},
+    {NSURLErrorCannotFindHost, "% was not found. Check the address and the network connection."},
+    {NSURLErrorCannotConnectToHost,
+     "Could not connect to %. Check that it is running and can be reached from here."},
+    {NSURLErrorNetworkConnectionLost,
+     "The connection to % was lost before its answer was complete. It may have carried out the "
+     "request all the same."},
+    {NSURLErrorHTTPTooManyRedirects, "% redirected the request too many times."},
+    {NSURLErrorNotConnectedToInternet, "% cannot be reached: there is no network connection."},
+    {NSURLErrorRedirectToNonExistentLocation,
+     "% redirected the request to something that is no URL."},
+    {NSURLErrorBadServerResponse, "What % answered is not HTTP. Check the address and port."},
+    {NSURLErrorCannotDecodeRawData, "The compressed answer of % is damaged."},
+    {NSURLErrorCannotDecodeContentData, "The answer of % is compressed in an unknown way."},
+    {NSURLErrorAppTransportSecurityRequiresSecureConnection,
+     "Nothing was sent to %, because the connection would not be encrypted. Use an https URL."},
+    {NSURLErrorDataLengthExceedsMaximum, "The answer of % is larger than allowed."},
+    {NSURLErrorSecureConnectionFailed, "A secure connection to % could not be made."},
+    {NSURLErrorServerCertificateHasBadDate,
+     "The certificate of % has expired. Check this machine's clock, or have the certificate "
+     "renewed."},
+    {NSURLErrorServerCertificateUntrusted,
+     "The certificate of % is not valid: it is self-signed, revoked or made out to another name."},
+    {NSURLErrorServerCertificateHasUnknownRoot,
+     "The certificate of % is from an authority that is not trusted here. If the authority is your "
+     "own, give its certificate as the CA file."},
+    {NSURLErrorServerCertificateNotYetValid,
+     "The certificate of % is not valid yet. Check this machine's clock."},
+    {NSURLErrorClientCertificateRejected, "% refused the client certificate."},
+    {NSURLErrorUnknown, "The call to % failed."},
+};
+
+/// What libcurl reports, with a detail of it or with any; the first that fits counts.
+struct Meaning {
+  CURLcode result;
+  long detail;
+  NSURLError code;
+};
+
+constexpr long any = -1;
+constexpr long unknownCoding = 1;
+
+constexpr Meaning meanings[] = {
+    {CURLE_URL_MALFORMAT, any, NSURLErrorBadURL},
+    {CURLE_COULDNT_RESOLVE_PROXY, any, NSURLErrorCannotFindHost},
+    {CURLE_COULDNT_RESOLVE_HOST, any, NSURLErrorCannotFindHost},
+    // Details are system error numbers.
+    {CURLE_COULDNT_CONNECT, ENETUNREACH, NSURLErrorNotConnectedToInternet},
+    {CURLE_COULDNT_CONNECT, ENETDOWN, NSURLErrorNotConnectedToInternet},
+    {CURLE_COULDNT_CONNECT, ETIMEDOUT, NSURLErrorTimedOut},
+    {CURLE_COULDNT_CONNECT, any, NSURLErrorCannotConnectToHost},
+    {CURLE_PROXY, any, NSURLErrorCannotConnectToHost},
+    {CURLE_OPERATION_TIMEDOUT, any, NSURLErrorTimedOut},
+    {CURLE_UNSUPPORTED_PROTOCOL, any, NSURLErrorBadServerResponse},  // not even HTTP/1.0
+    {CURLE_WEIRD_SERVER_REPLY, any, NSURLErrorBadServerResponse},
+    {CURLE_HTTP2, any, NSURLErrorNetworkConnectionLost},
+    {CURLE_HTTP2_STREAM, any, NSURLErrorNetworkConnectionLost},
+    {CURLE_PARTIAL_FILE, any, NSURLErrorNetworkConnectionLost},
+    {CURLE_GOT_NOTHING, any, NSURLErrorNetworkConnectionLost},
+    {CURLE_SEND_ERROR, any, NSURLErrorNetworkConnectionLost},
+    {CURLE_RECV_ERROR, any, NSURLErrorNetworkConnectionLost},
+    {CURLE_BAD_CONTENT_ENCODING, unknownCoding, NSURLErrorCannotDecodeContentData},
+    {CURLE_BAD_CONTENT_ENCODING, any, NSURLErrorCannotDecodeRawData},
+    // Details are OpenSSL's X509_V_ERR_… numbers.
+    {CURLE_PEER_FAILED_VERIFICATION, 2, NSURLErrorServerCertificateHasUnknownRoot},
+    {CURLE_PEER_FAILED_VERIFICATION, 9, NSURLErrorServerCertificateNotYetValid},
+    {CURLE_PEER_FAILED_VERIFICATION, 10, NSURLErrorServerCertificateHasBadDate},
+    {CURLE_PEER_FAILED_VERIFICATION, 19, NSURLErrorServerCertificateHasUnknownRoot},
+    {CURLE_PEER_FAILED_VERIFICATION, 20, NSURLErrorServerCertificateHasUnknownRoot},
+    {CURLE_PEER_FAILED_VERIFICATION, 21, NSURLErrorServerCertificateHasUnknownRoot},
+    {CURLE_PEER_FAILED_VERIFICATION, any, NSURLErrorServerCertificateUntrusted},
+    {CURLE_SSL_ISSUER_ERROR, any, NSURLErrorServerCertificateUntrusted},
+    {CURLE_SSL_CERTPROBLEM, any, NSURLErrorClientCertificateRejected},
+    {CURLE_SSL_CLIENTCERT, any, NSURLErrorClientCertificateRejected},
+    {CURLE_SSL_CONNECT_ERROR, any, NSURLErrorSecureConnectionFailed},
+    {CURLE_SSL_CACERT_BADFILE, any, NSURLErrorSecureConnectionFailed},
+    {CURLE_SSL_CIPHER, any, NSURLErrorSecureConnectionFailed},
+    {CURLE_SSL_ENGINE_INITFAILED, any, NSURLErrorSecureConnectionFailed},
+    {CURLE_SSL_ENGINE_NOTFOUND, any, NSURLErrorSecureConnectionFailed},
+    {CURLE_SSL_ENGINE_SETFAILED, any, NSURLErrorSecureConnectionFailed},
+    {CURLE_SSL_SHUTDOWN_FAILED, any, NSURLErrorSecureConnectionFailed},
+};
+
+long information(CURL* transfer, CURLINFO item) {
+  long value = 0;
+  curl_easy_getinfo(transfer, item, &value);
+  return value;
+}
+
+bool hasKnownCoding(CURL* transfer) {
+  constexpr std::string_view known[] = {"gzip", "x-gzip", "deflate", "br", "zstd"};
+  curl_header* header = nullptr;
+  return curl_easy_header(transfer, "Content-Encoding", 0, CURLH_HEADER, -1, &header) ==
+             CURLHE_OK &&
+         std::ranges::find(known, std::string_view(header->value)) != std::end(known);
+}
+
+long detail(CURLcode result, CURL* transfer) {
+  switch (result) {
+    case CURLE_COULDNT_CONNECT:
+      return information(transfer, CURLINFO_OS_ERRNO);
+    case CURLE_PEER_FAILED_VERIFICATION:
+      return information(transfer, CURLINFO_SSL_VERIFYRESULT);
+    case CURLE_BAD_CONTENT_ENCODING:
+      return hasKnownCoding(transfer) ? 0 : unknownCoding;
+    default:
+      return 0;
+  }
+}
+
+std::string description(NSURLError code, const std::string& URL) {
+  const auto* found = std::ranges::find(descriptions, code, &Description::code);
+  std::string text(found->text);
+  if (const auto mark = text.find('%'); mark != text.npos) {
+    const auto url = ZLVWebURL::parsed(URL);
+    text.replace(mark, 1, url ? url->host : "the server");
+  }
+  return text;
+}
+
+}  // namespace
+
+ZLVError ZLVTransportError::error(NSURLError code, const std::string& URL,
+                                  const std::string& underlying) {
+  ZLVDictionary userInfo{
+      {std::string(NSLocalizedDescriptionKey), description(code, URL)},
+      {std::string(NSURLErrorFailingURLStringErrorKey), ZLVWebURL::withoutCredentials(URL)}};
+  if (!underlying.empty()) userInfo.set(NSUnderlyingErrorKey, underlying);
+  return ZLVError::errorWithDomain(NSURLErrorDomain, code, std::move(userInfo));
+}
+
+NSURLError ZLVTransportError::code(CURLcode result, CURL* transfer) {
+  const long wanted = detail(result, transfer);
+  const auto* found = std::ranges::find_if(meanings, [&](const Meaning& meaning) {
+    return meaning.result == result && (meaning.detail == any || meaning.detail == wanted);
+  });
+  return found == std::end(meanings) ? NSURLErrorUnknown : found->code;
+}

@@ -1,0 +1,76 @@
+#include <cerrno>
+#include <system_error>
+#include <utility>
+
+#include <poll.h>
+#include <sys/eventfd.h>
+#include <unistd.h>
+
+#include <ZolvaCheckoutKit/Platform/Linux/ZLVLinuxMainQueue.h>
+
+namespace {
+
+int makeEvent() {
+  const int descriptor = eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK);
+  if (descriptor < 0) throw std::system_error(errno, std::generic_category(), "eventfd");
+  return descriptor;
+}
+
+}  // namespace
+
+const std::shared_ptr<ZLVLinuxMainQueue>& ZLVLinuxMainQueue::mainQueue() {
+  // Never destroyed: blocks may still come in while the process exits.
+  static const auto& queue = *new auto(std::make_shared<ZLVLinuxMainQueue>());
+  return queue;
+}
+
+ZLVLinuxMainQueue::ZLVLinuxMainQueue() : fileDescriptor_(makeEvent()) {}
+
+ZLVLinuxMainQueue::~ZLVLinuxMainQueue() {
+  // A block may queue another one while it is destroyed.
+  while (!blocks_.empty()) std::exchange(blocks_, {}).clear();
+  close(fileDescriptor_);
+}
+
+void ZLVLinuxMainQueue::dispatch(ZLVOnce<void()> block) {
+  const std::lock_guard lock(mutex_);
+  blocks_.push_back(std::move(block));
+  if (blocks_.size() == 1) eventfd_write(fileDescriptor_, 1);
+}
+
+void ZLVLinuxMainQueue::run() {
+  while (!isStopped_) {
+    if (runNext()) continue;
+    pollfd event{fileDescriptor_, POLLIN, 0};
+    poll(&event, 1, -1);
+  }
+  isStopped_ = false;
+}
+
+void ZLVLinuxMainQueue::stop() {
+  dispatch([this] { isStopped_ = true; });
+}
+
+void ZLVLinuxMainQueue::drain() {
+  std::size_t count = 0;
+  {
+    const std::lock_guard lock(mutex_);
+    count = blocks_.size();
+  }
+  while (count-- > 0 && runNext()) {
+  }
+}
+
+bool ZLVLinuxMainQueue::runNext() {
+  ZLVOnce<void()> block;
+  {
+    const std::lock_guard lock(mutex_);
+    if (blocks_.empty()) return false;
+    block = std::move(blocks_.front());
+    blocks_.pop_front();
+    eventfd_t ignored = 0;
+    if (blocks_.empty()) eventfd_read(fileDescriptor_, &ignored);
+  }
+  std::move(block)();
+  return true;
+}
