@@ -1,0 +1,140 @@
+#include <utility>
+
+#include <ZolvaCheckoutKit/Platform/GTK/Internal/ZLVBrowserScreen.h>
+#include <ZolvaCheckoutKit/Platform/GTK/Internal/ZLVBrowserStyle.h>
+#include <ZolvaCheckoutKit/Platform/GTK/Internal/ZLVLocalizedText.h>
+
+namespace {
+
+GtkWidget* makeSpinner() {
+  GtkWidget* const spinner = gtk_spinner_new();
+  constexpr int size = 32;
+  gtk_widget_set_size_request(spinner, size, size);
+  gtk_widget_set_halign(spinner, GTK_ALIGN_CENTER);
+  gtk_widget_set_valign(spinner, GTK_ALIGN_CENTER);
+  gtk_spinner_start(GTK_SPINNER(spinner));
+  return spinner;
+}
+
+}  // namespace
+
+ZLVBrowserScreen::ZLVBrowserScreen(ZLVDismissButtonStyle style,
+                                   std::shared_ptr<ZLVCertificateAuthorities> authorities,
+                                   Events events)
+    : events_(std::move(events)),
+      page_(std::move(authorities),
+            {.stateChanged = [this] { updateBar(); },
+             .shown = [this] { setContent(Content::Page); },
+             .failed = [this](const auto& problem) { showProblem(problem); },
+             .ledOut = events_.ledOut,
+             .closed = events_.closed}),
+      bar_(style, {.close = events_.closed,
+                   .goBack = [this] { goBack(); },
+                   .reload = [this] { reload(); }}),
+      problemPage_({.close = events_.closed, .reload = [this] { reload(); }}),
+      root_(ZLVGObject<GtkWidget>::retain(g_object_new(GTK_TYPE_BOX, "orientation",
+                                                       GTK_ORIENTATION_VERTICAL, "accessible-role",
+                                                       GTK_ACCESSIBLE_ROLE_DIALOG, nullptr))),
+      spinner_(makeSpinner()) {
+  gtk_widget_add_css_class(root_.get(), ZLVBrowserStyle::browser);
+  gtk_accessible_update_property(GTK_ACCESSIBLE(root_.get()), GTK_ACCESSIBLE_PROPERTY_LABEL,
+                                 ZLVLocalized("Web page"), GTK_ACCESSIBLE_PROPERTY_MODAL, TRUE, -1);
+
+  GtkWidget* const content = gtk_overlay_new();
+  gtk_overlay_set_child(GTK_OVERLAY(content), page_.widget());
+  for (GtkWidget* above : {spinner_, problemPage_.widget(), bar_.progressBar()}) {
+    gtk_overlay_add_overlay(GTK_OVERLAY(content), above);
+  }
+  gtk_box_append(GTK_BOX(root_.get()), bar_.widget());
+  gtk_box_append(GTK_BOX(root_.get()), content);
+  addShortcuts();
+  setContent(Content::Loading);
+}
+
+void ZLVBrowserScreen::addShortcuts() {
+  GtkEventController* const controller = gtk_shortcut_controller_new();
+  // Before the page, and wherever the focus is.
+  gtk_event_controller_set_propagation_phase(controller, GTK_PHASE_CAPTURE);
+  gtk_shortcut_controller_set_scope(GTK_SHORTCUT_CONTROLLER(controller), GTK_SHORTCUT_SCOPE_GLOBAL);
+  using Step = void (*)(ZLVBrowserScreen&);
+  static constexpr std::pair<const char*, Step> shortcuts[] = {
+      {"Escape", [](ZLVBrowserScreen& screen) { screen.events_.closed(); }},
+      {"<Alt>Left", [](ZLVBrowserScreen& screen) { screen.goBack(); }},
+      {"F5|<Control>r", [](ZLVBrowserScreen& screen) { screen.reload(); }},
+  };
+  for (const auto& [keys, step] : shortcuts) {
+    static constexpr auto run = [](GtkWidget* /*widget*/, GVariant* /*arguments*/,
+                                   gpointer data) noexcept -> gboolean {
+      auto& [screen, chosen] = *static_cast<std::pair<ZLVBrowserScreen*, Step>*>(data);
+      chosen(*screen);
+      return TRUE;
+    };
+    auto* const data = new std::pair<ZLVBrowserScreen*, Step>(this, step);
+    gtk_shortcut_controller_add_shortcut(
+        GTK_SHORTCUT_CONTROLLER(controller),
+        gtk_shortcut_new(gtk_shortcut_trigger_parse_string(keys),
+                         gtk_callback_action_new(run, data, [](gpointer owned) {
+                           delete static_cast<std::pair<ZLVBrowserScreen*, Step>*>(owned);
+                         })));
+  }
+  gtk_widget_add_controller(root_.get(), controller);
+}
+
+void ZLVBrowserScreen::load(const std::string& url) {
+  page_.load(url);
+  updateBar();
+}
+
+void ZLVBrowserScreen::grabFocus() {
+  if (content_ == Content::Problem) return problemPage_.grabFocus();
+  gtk_widget_grab_focus(page_.widget());
+}
+
+void ZLVBrowserScreen::setContent(Content content) {
+  content_ = content;
+  // The page stays mapped below the spinner, where it gets ready to be seen, but not below a
+  // problem, where it could still be used.
+  gtk_widget_set_visible(page_.widget(), content != Content::Problem);
+  gtk_widget_set_opacity(page_.widget(), content == Content::Page ? 1 : 0);
+  gtk_widget_set_visible(spinner_, content == Content::Loading);
+  gtk_widget_set_visible(problemPage_.widget(), content == Content::Problem);
+}
+
+void ZLVBrowserScreen::showProblem(const ZLVProblem& problem) {
+  problem_ = problem;
+  problemPage_.setProblem(problem);
+  setContent(Content::Problem);
+  updateBar();
+  grabFocus();
+}
+
+bool ZLVBrowserScreen::canReload() const {
+  return content_ != Content::Problem || ZLVProblemPage::canReload(problem_);
+}
+
+bool ZLVBrowserScreen::canReturn() const {
+  return problem_.kind == ZLVProblem::Kind::Unreachable && page_.hasPage();
+}
+
+void ZLVBrowserScreen::goBack() {
+  if (content_ == Content::Page) return page_.goBack();
+  if (content_ != Content::Problem || !canReturn()) return;
+  setContent(Content::Page);
+  updateBar();
+  grabFocus();
+}
+
+void ZLVBrowserScreen::reload() {
+  if (!canReload()) return;
+  if (content_ != Content::Problem) return page_.reload();
+  setContent(Content::Loading);
+  page_.load(problem_.URL);
+  grabFocus();
+}
+
+void ZLVBrowserScreen::updateBar() {
+  auto state = page_.state();
+  if (content_ == Content::Problem) state.canGoBack = canReturn();
+  bar_.setState(state);
+  bar_.setCanReload(canReload());
+}

@@ -1,0 +1,57 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <string>
+
+#include <gtk/gtk.h>
+
+#include <ZolvaCheckoutKit/Platform/GTK/Internal/ZLVBrowserBar.h>
+#include <ZolvaCheckoutKit/Platform/GTK/Internal/ZLVCertificateAuthorities.h>
+#include <ZolvaCheckoutKit/Platform/GTK/Internal/ZLVGObject.h>
+#include <ZolvaCheckoutKit/Platform/GTK/Internal/ZLVProblemPage.h>
+#include <ZolvaCheckoutKit/Platform/GTK/Internal/ZLVSignals.h>
+#include <ZolvaCheckoutKit/Platform/GTK/Internal/ZLVWebPage.h>
+#include <ZolvaCheckoutKit/Platform/ZLVUserInterface.h>
+
+/// What one sees of a browser: the bar and below it the page, a spinner until there is one, or what
+/// went wrong.
+class ZLVBrowserScreen {
+ public:
+  struct Events {
+    /// The user or the page wants the browser closed. Called from inside GTK or WebKit, which must
+    /// not lose the screen there.
+    std::function<void()> closed;
+    std::function<void(const ZLVURL& url)> ledOut;
+  };
+
+  ZLVBrowserScreen(ZLVDismissButtonStyle style,
+                   std::shared_ptr<ZLVCertificateAuthorities> authorities, Events events);
+
+  [[nodiscard]] GtkWidget* widget() const { return root_.get(); }
+
+  void load(const std::string& url);
+  void grabFocus();
+
+ private:
+  enum class Content { Loading, Page, Problem };
+
+  void addShortcuts();
+  void setContent(Content content);
+  void showProblem(const ZLVProblem& problem);
+  void goBack();
+  void reload();
+  [[nodiscard]] bool canReload() const;
+  /// Whether the page that the problem came up on can still be used.
+  [[nodiscard]] bool canReturn() const;
+  void updateBar();
+
+  Events events_;
+  ZLVWebPage page_;
+  ZLVBrowserBar bar_;
+  ZLVProblemPage problemPage_;
+  ZLVGObject<GtkWidget> root_;
+  GtkWidget* spinner_ = nullptr;
+  Content content_ = Content::Loading;
+  ZLVProblem problem_;
+};

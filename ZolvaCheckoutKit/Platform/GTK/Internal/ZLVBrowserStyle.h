@@ -1,0 +1,16 @@
+#pragma once
+
+/// The look of the browser's own widgets: their CSS classes and what these mean.
+class ZLVBrowserStyle {
+ public:
+  static constexpr const char* browser = "zlv-browser";
+  static constexpr const char* rising = "zlv-rising";
+  static constexpr const char* host = "zlv-host";
+  static constexpr const char* security = "zlv-security";
+  static constexpr const char* notSecure = "zlv-not-secure";
+  static constexpr const char* progress = "zlv-progress";
+  static constexpr const char* problem = "zlv-problem";
+
+  /// Teaches the display the classes; again does nothing.
+  static void install();
+};

@@ -1,0 +1,47 @@
+#include <utility>
+
+#include <glib.h>
+
+#include <ZolvaCheckoutKit/Platform/GTK/Internal/ZLVGTKMainQueue.h>
+
+ZLVGTKMainQueue::ZLVGTKMainQueue(UncaughtException uncaughtException)
+    : blocks_(std::make_shared<Blocks>()) {
+  blocks_->uncaughtException = std::move(uncaughtException);
+}
+
+ZLVGTKMainQueue::~ZLVGTKMainQueue() {
+  // A block may queue another one while it is destroyed.
+  while (!blocks_->waiting.empty()) std::exchange(blocks_->waiting, {}).clear();
+}
+
+void ZLVGTKMainQueue::dispatch(ZLVOnce<void()> block) {
+  {
+    const std::lock_guard lock(blocks_->mutex);
+    blocks_->waiting.push_back(std::move(block));
+  }
+  // A source for each block, so that a block that runs a loop of its own holds none of them up.
+  using Turn = std::weak_ptr<Blocks>;
+  g_idle_add_full(
+      G_PRIORITY_DEFAULT,
+      [](gpointer turn) -> gboolean {
+        if (const auto blocks = static_cast<Turn*>(turn)->lock()) runNext(*blocks);
+        return G_SOURCE_REMOVE;
+      },
+      new Turn(blocks_), [](gpointer turn) { delete static_cast<Turn*>(turn); });
+}
+
+void ZLVGTKMainQueue::runNext(Blocks& blocks) noexcept {
+  ZLVOnce<void()> block;
+  {
+    const std::lock_guard lock(blocks.mutex);
+    if (blocks.waiting.empty()) return;
+    block = std::move(blocks.waiting.front());
+    blocks.waiting.pop_front();
+  }
+  if (!blocks.uncaughtException) return std::move(block)();
+  try {
+    std::move(block)();
+  } catch (...) {
+    blocks.uncaughtException(std::current_exception());
+  }
+}

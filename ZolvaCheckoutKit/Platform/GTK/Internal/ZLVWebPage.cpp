@@ -1,0 +1,206 @@
+#include <optional>
+#include <utility>
+
+#include <ZolvaCheckoutKit/Platform/GTK/Internal/ZLVNavigationPolicy.h>
+#include <ZolvaCheckoutKit/Platform/GTK/Internal/ZLVWebPage.h>
+#include <ZolvaCheckoutKit/Platform/GTK/Internal/ZLVWebView.h>
+
+namespace {
+
+using URI = ZLVGOwned<GUri, g_uri_unref>;
+
+/// The host as it is shown and compared; empty when there is none.
+std::string hostOf(const char* url) {
+  const URI uri(url == nullptr ? nullptr : g_uri_parse(url, G_URI_FLAGS_PARSE_RELAXED, nullptr));
+  const char* const host = uri ? g_uri_get_host(uri.get()) : nullptr;
+  return host == nullptr ? std::string() : host;
+}
+
+/// As the user reads it: names in other scripts are shown so unless they imitate another name.
+std::string displayedHost(const char* url) {
+  const ZLVGText displayed(url == nullptr ? nullptr : webkit_uri_for_display(url));
+  return hostOf(displayed.get());
+}
+
+/// Web pages may write characters into a URL that have no place in one.
+std::optional<ZLVURL> parsedURL(const char* url) {
+  const ZLVGText escaped(g_uri_escape_string(url, ":/?#[]@!$&'()*+,;=%", FALSE));
+  return ZLVURL::URLWithString(escaped.get());
+}
+
+}  // namespace
+
+ZLVWebPage::ZLVWebPage(std::shared_ptr<ZLVCertificateAuthorities> authorities, Events events)
+    : authorities_(std::move(authorities)),
+      events_(std::move(events)),
+      session_(ZLVGObject<WebKitNetworkSession>::take(webkit_network_session_new_ephemeral())),
+      view_(ZLVWebView::make(session_.get())) {
+  webkit_network_session_set_persistent_credential_storage_enabled(session_.get(), FALSE);
+  connectLoading();
+  connectPolicies();
+}
+
+ZLVWebPage::~ZLVWebPage() {
+  signals_.disconnect();
+  // A page that is busy with itself would not end by being asked to.
+  webkit_web_view_terminate_web_process(view_.get());
+}
+
+ZLVWebPage::State ZLVWebPage::state() const {
+  return {.host = host_,
+          .security = security_,
+          .isLoading = webkit_web_view_is_loading(view_.get()) != FALSE,
+          .progress = webkit_web_view_get_estimated_load_progress(view_.get()),
+          .canGoBack = webkit_web_view_can_go_back(view_.get()) != FALSE};
+}
+
+void ZLVWebPage::load(const std::string& url) {
+  requestedURL_ = url;
+  hasLedOut_ = false;
+  if (host_.empty()) host_ = displayedHost(url.c_str());
+  webkit_web_view_load_uri(view_.get(), url.c_str());
+}
+
+void ZLVWebPage::goBack() { webkit_web_view_go_back(view_.get()); }
+
+void ZLVWebPage::connectLoading() {
+  auto* const view = view_.get();
+  for (const char* property : {"notify::estimated-load-progress", "notify::is-loading"}) {
+    signals_.connect(view, property,
+                     [this](WebKitWebView*, GParamSpec*) { events_.stateChanged(); });
+  }
+  signals_.connect(view, "load-changed", [this](WebKitWebView*, WebKitLoadEvent event) {
+    if (event == WEBKIT_LOAD_COMMITTED) committed();
+  });
+  signals_.connect(view, "load-failed",
+                   [this](WebKitWebView*, WebKitLoadEvent, const char* url, GError* error) {
+                     return static_cast<gboolean>(failed(url, *error));
+                   });
+  signals_.connect(view, "load-failed-with-tls-errors",
+                   [this](WebKitWebView*, const char* url, GTlsCertificate* certificate,
+                          GTlsCertificateFlags flags) {
+                     return static_cast<gboolean>(failedCertificate(url, certificate, flags));
+                   });
+  signals_.connect(
+      view, "web-process-terminated", [this](WebKitWebView*, WebKitWebProcessTerminationReason) {
+        events_.failed({.kind = ZLVProblem::Kind::Crashed, .URL = URL_, .host = host_});
+      });
+  signals_.connect(view, "close", [this](WebKitWebView*) { events_.closed(); });
+}
+
+void ZLVWebPage::connectPolicies() {
+  auto* const view = view_.get();
+  signals_.connect(view, "decide-policy",
+                   [this](WebKitWebView*, WebKitPolicyDecision* decision,
+                          WebKitPolicyDecisionType type) -> gboolean {
+                     if (type == WEBKIT_POLICY_DECISION_TYPE_RESPONSE) {
+                       return decideResponse(decision);
+                     }
+                     return decideNavigation(decision,
+                                             type == WEBKIT_POLICY_DECISION_TYPE_NEW_WINDOW_ACTION);
+                   });
+  signals_.connect(view, "permission-request",
+                   [](WebKitWebView*, WebKitPermissionRequest* request) -> gboolean {
+                     webkit_permission_request_deny(request);
+                     return TRUE;
+                   });
+  signals_.connect(view, "query-permission-state",
+                   [](WebKitWebView*, WebKitPermissionStateQuery* query) -> gboolean {
+                     webkit_permission_state_query_finish(query, WEBKIT_PERMISSION_STATE_DENIED);
+                     return TRUE;
+                   });
+  signals_.connect(
+      session_.get(), "download-started",
+      [](WebKitNetworkSession*, WebKitDownload* download) { webkit_download_cancel(download); });
+  // The toolkit's print dialog would run a main loop of its own.
+  signals_.connect(view, "print",
+                   [](WebKitWebView*, WebKitPrintOperation*) -> gboolean { return TRUE; });
+  signals_.connect(view, "context-menu",
+                   [](WebKitWebView*, WebKitContextMenu* menu, WebKitHitTestResult*) -> gboolean {
+                     ZLVWebView::restrictContextMenu(menu);
+                     return webkit_context_menu_get_n_items(menu) == 0;
+                   });
+}
+
+void ZLVWebPage::committed() {
+  const char* const url = webkit_web_view_get_uri(view_.get());
+  hasPage_ = true;
+  URL_ = url;
+  host_ = displayedHost(url);
+  GTlsCertificate* certificate = nullptr;
+  GTlsCertificateFlags flags{};
+  const bool isEncrypted = webkit_web_view_get_tls_info(view_.get(), &certificate, &flags) != FALSE;
+  const bool isTrusted =
+      isEncrypted && (flags == 0 || authorities_->vouch(certificate, hostOf(url)));
+  security_ = isTrusted ? ZLVSecurity::Secure : ZLVSecurity::NotSecure;
+  events_.shown();
+  events_.stateChanged();
+}
+
+bool ZLVWebPage::failed(const char* url, const GError& error) {
+  const bool isReplaced =
+      g_error_matches(&error, WEBKIT_NETWORK_ERROR, WEBKIT_NETWORK_ERROR_CANCELLED) != FALSE;
+  const bool isRefused = error.domain == WEBKIT_POLICY_ERROR;
+  if (isReplaced || (isRefused && hasPage_)) return true;
+  events_.failed({.kind = hasLedOut_ ? ZLVProblem::Kind::LedOut : ZLVProblem::Kind::Unreachable,
+                  .URL = isRefused ? requestedURL_ : url,
+                  .host = displayedHost(url),
+                  .detail = isRefused ? "" : error.message});
+  return true;
+}
+
+bool ZLVWebPage::failedCertificate(const char* url, GTlsCertificate* certificate,
+                                   GTlsCertificateFlags flags) {
+  const auto host = hostOf(url);
+  const bool isNew = !vouched_ || !g_tls_certificate_is_same(vouched_.get(), certificate);
+  if (isNew && authorities_->vouch(certificate, host)) {
+    vouched_ = ZLVGObject<GTlsCertificate>::retain(certificate);
+    webkit_network_session_allow_tls_certificate_for_host(session_.get(), certificate,
+                                                          host.c_str());
+    load(url);
+    return true;
+  }
+  security_ = ZLVSecurity::NotSecure;
+  host_ = displayedHost(url);
+  events_.failed({.kind = ZLVProblem::Kind::Certificate,
+                  .URL = url,
+                  .host = host_,
+                  .certificateFlags = flags});
+  return true;
+}
+
+bool ZLVWebPage::decideNavigation(WebKitPolicyDecision* decision, bool isNewWindow) {
+  auto* const action = webkit_navigation_policy_decision_get_navigation_action(
+      WEBKIT_NAVIGATION_POLICY_DECISION(decision));
+  auto* const request = webkit_navigation_action_get_request(action);
+  const char* const url = webkit_uri_request_get_uri(request);
+  const auto verdict = ZLVNavigationPolicy::decide(
+      {.URL = url,
+       .isUserGesture = webkit_navigation_action_is_user_gesture(action) != FALSE,
+       .isRedirect = webkit_navigation_action_is_redirect(action) != FALSE,
+       .isNewWindow = isNewWindow});
+  const bool sendsFormAgain = webkit_navigation_action_get_navigation_type(action) ==
+                              WEBKIT_NAVIGATION_TYPE_FORM_RESUBMITTED;
+  if (verdict == ZLVNavigationPolicy::Verdict::Load && !isNewWindow && !sendsFormAgain) {
+    return false;
+  }
+  webkit_policy_decision_ignore(decision);
+  if (verdict == ZLVNavigationPolicy::Verdict::Load && isNewWindow) {
+    webkit_web_view_load_request(view_.get(), request);
+  }
+  if (verdict == ZLVNavigationPolicy::Verdict::HandOver) {
+    hasLedOut_ = true;
+    if (const auto target = parsedURL(url)) events_.ledOut(*target);
+  }
+  return true;
+}
+
+bool ZLVWebPage::decideResponse(WebKitPolicyDecision* decision) {
+  // The engine would make a download of it.
+  if (webkit_response_policy_decision_is_mime_type_supported(
+          WEBKIT_RESPONSE_POLICY_DECISION(decision)) != FALSE) {
+    return false;
+  }
+  webkit_policy_decision_ignore(decision);
+  return true;
+}

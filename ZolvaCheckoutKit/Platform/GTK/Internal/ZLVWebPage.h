@@ -1,0 +1,79 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <string>
+
+#include <webkit/webkit.h>
+
+#include <ZolvaCheckoutKit/Platform/GTK/Internal/ZLVCertificateAuthorities.h>
+#include <ZolvaCheckoutKit/Platform/GTK/Internal/ZLVGObject.h>
+#include <ZolvaCheckoutKit/Platform/GTK/Internal/ZLVProblem.h>
+#include <ZolvaCheckoutKit/Platform/GTK/Internal/ZLVSignals.h>
+#include <ZolvaCheckoutKit/ZLVURL.h>
+
+/// What is known of who one is talking to.
+enum class ZLVSecurity { Unknown, Secure, NotSecure };
+
+/// A web view that forgets everything with its end and lets nothing out of itself.
+class ZLVWebPage {
+ public:
+  /// Called from inside the engine, which must not lose the page there.
+  struct Events {
+    std::function<void()> stateChanged;
+    /// A page is there to look at.
+    std::function<void()> shown;
+    std::function<void(const ZLVProblem& problem)> failed;
+    /// The page led to a URL that is not for a browser.
+    std::function<void(const ZLVURL& url)> ledOut;
+    /// The page closed its window.
+    std::function<void()> closed;
+  };
+
+  struct State {
+    std::string host{};
+    ZLVSecurity security = ZLVSecurity::Unknown;
+    bool isLoading = true;
+    double progress = 0;
+    bool canGoBack = false;
+  };
+
+  ZLVWebPage(std::shared_ptr<ZLVCertificateAuthorities> authorities, Events events);
+  ZLVWebPage(const ZLVWebPage&) = delete;
+  ZLVWebPage& operator=(const ZLVWebPage&) = delete;
+  /// Ends the processes behind the page.
+  ~ZLVWebPage();
+
+  [[nodiscard]] GtkWidget* widget() const { return GTK_WIDGET(view_.get()); }
+  [[nodiscard]] State state() const;
+  /// Whether any page has come so far.
+  [[nodiscard]] bool hasPage() const { return hasPage_; }
+
+  void load(const std::string& url);
+  void goBack();
+  /// Fetches the page again; never sends a form again.
+  void reload() { load(URL_.empty() ? requestedURL_ : URL_); }
+
+ private:
+  void connectLoading();
+  void connectPolicies();
+  void committed();
+  bool failed(const char* url, const GError& error);
+  bool failedCertificate(const char* url, GTlsCertificate* certificate, GTlsCertificateFlags flags);
+  bool decideNavigation(WebKitPolicyDecision* decision, bool isNewWindow);
+  static bool decideResponse(WebKitPolicyDecision* decision);
+
+  std::shared_ptr<ZLVCertificateAuthorities> authorities_;
+  Events events_;
+  ZLVGObject<WebKitNetworkSession> session_;
+  ZLVGObject<WebKitWebView> view_;
+  std::string host_;
+  ZLVSecurity security_ = ZLVSecurity::Unknown;
+  std::string requestedURL_;
+  std::string URL_;
+  bool hasPage_ = false;
+  bool hasLedOut_ = false;
+  /// The certificate that the authorities last vouched for.
+  ZLVGObject<GTlsCertificate> vouched_;
+  ZLVSignals signals_;
+};

@@ -1,0 +1,15 @@
+#pragma once
+
+#include <webkit/webkit.h>
+
+#include <ZolvaCheckoutKit/Platform/GTK/Internal/ZLVGObject.h>
+
+/// How the engine is set up for a page that one pays on.
+class ZLVWebView {
+ public:
+  /// A view on `session` with everything off that such a page has no need of.
+  static ZLVGObject<WebKitWebView> make(WebKitNetworkSession* session);
+
+  /// Leaves only the menu's items for editing text: the others lead out of the view.
+  static void restrictContextMenu(WebKitContextMenu* menu);
+};

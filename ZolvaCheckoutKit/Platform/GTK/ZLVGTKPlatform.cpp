@@ -1,0 +1,41 @@
+#include <utility>
+
+#include <gtk/gtk.h>
+
+#include <ZolvaCheckoutKit/Platform/GTK/Internal/ZLVGTKDevice.h>
+#include <ZolvaCheckoutKit/Platform/GTK/Internal/ZLVGTKMainQueue.h>
+#include <ZolvaCheckoutKit/Platform/GTK/Internal/ZLVGTKUserInterface.h>
+#include <ZolvaCheckoutKit/Platform/GTK/Internal/ZLVLocalizedText.h>
+#include <ZolvaCheckoutKit/Platform/GTK/Internal/ZLVWebSandbox.h>
+#include <ZolvaCheckoutKit/Platform/GTK/Internal/ZLVWindowViewController.h>
+#include <ZolvaCheckoutKit/Platform/GTK/ZLVGTKPlatform.h>
+#include <ZolvaCheckoutKit/ZLVError.h>
+
+ZLVPlatform ZLVGTKPlatform::platformWithApplication(GtkApplication* application,
+                                                    ZLVLinuxOptions options,
+                                                    ZLVGTKHandlers handlers) {
+  if (application == nullptr) {
+    throw ZLVProgrammingFault("ZLVGTKPlatform::platformWithApplication: no application");
+  }
+  bindtextdomain(ZLVTextDomain, ZLV_LOCALE_DIRECTORY);
+  bind_textdomain_codeset(ZLVTextDomain, "UTF-8");
+
+  auto authorities = std::make_shared<ZLVCertificateAuthorities>(options.CAFile);
+  auto platform = ZLVLinuxPlatform::platformWithOptions(std::move(options));
+  ZLVWebSandbox::prepare(*platform.systemLog);
+  platform.mainQueue = std::make_shared<ZLVGTKMainQueue>(std::move(handlers.uncaughtException));
+  platform.device = std::make_shared<ZLVGTKDevice>(application, platform.device);
+  platform.userInterface = std::make_shared<ZLVGTKUserInterface>(
+      std::shared_ptr<const ZLVGTKBrowser::Environment>(new ZLVGTKBrowser::Environment{
+          ZLVWeakGObject<GtkApplication>(application), platform.mainQueue, platform.systemLog,
+          std::move(authorities)}),
+      std::move(handlers.openURL));
+  return platform;
+}
+
+std::shared_ptr<ZLVViewController> ZLVGTKPlatform::viewControllerForWindow(GtkWindow* window) {
+  if (window == nullptr) {
+    throw ZLVProgrammingFault("ZLVGTKPlatform::viewControllerForWindow: no window");
+  }
+  return ZLVWindowViewController::ofWindow(window);
+}

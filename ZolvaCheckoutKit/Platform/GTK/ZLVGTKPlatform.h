@@ -1,0 +1,59 @@
+#pragma once
+
+#include <exception>
+#include <functional>
+#include <memory>
+
+#include <ZolvaCheckoutKit/Platform/Linux/ZLVLinuxPlatform.h>
+#include <ZolvaCheckoutKit/Platform/ZLVPlatform.h>
+#include <ZolvaCheckoutKit/Platform/ZLVViewController.h>
+#include <ZolvaCheckoutKit/ZLVExport.h>
+#include <ZolvaCheckoutKit/ZLVURL.h>
+
+typedef struct _GtkApplication GtkApplication;
+typedef struct _GtkWindow GtkWindow;
+
+/// What the host does itself instead of leaving it to the backend. Called on the main thread, from
+/// the main loop.
+struct ZLVGTKHandlers {
+  /// Opens a URL that is not http or https and that a page led to; false when it was not taken.
+  /// Absent: the system's handler of the scheme is started. Must not throw.
+  std::function<bool(const ZLVURL& url)> openURL = {};
+  /// Receives what a completion of the host throws: GTK's main loop is C, which no exception can
+  /// pass through. Absent: the process ends as after any exception that nobody catches. Must not
+  /// throw.
+  std::function<void(std::exception_ptr exception)> uncaughtException = {};
+};
+
+/// The backend for GTK 4: pages are shown by WebKitGTK inside the host's own window, completions
+/// run in the GLib main loop; HTTP, log and device facts are those of `ZLVLinuxPlatform`.
+///
+/// ```cpp
+/// ZLVPlatform::install(ZLVGTKPlatform::platformWithApplication(
+///     application, {.applicationName = "Shop", .applicationVersion = "2.1"}));
+/// auto viewController = ZLVGTKPlatform::viewControllerForWindow(window);
+/// ```
+///
+/// The browser covers the content of the window until it is closed, keeps nothing on disk, and
+/// trusts `ZLVLinuxOptions::CAFile` as the HTTP calls do. Its texts are translated: the catalogues
+/// of the gettext domain "ZolvaCheckoutKit" are looked for where the library was installed; a host
+/// that ships them elsewhere calls bindtextdomain(3) after `platformWithApplication`.
+class ZLV_EXPORT ZLVGTKPlatform {
+ public:
+  ZLVGTKPlatform() = delete;
+
+  /// A platform whose parts the host may replace before it installs it. Main thread, once, before
+  /// or after `application` has started, best before other threads are: where the web engine's
+  /// sandbox cannot work, the environment is changed. `application` is not kept alive.
+  /// Throws `ZLVProgrammingFault` when there is no application or no application version.
+  [[nodiscard]] static ZLVPlatform platformWithApplication(GtkApplication* application,
+                                                           ZLVLinuxOptions options,
+                                                           ZLVGTKHandlers handlers = {});
+
+  /// The view controller of a window, made on the first call and kept until the window goes, which
+  /// also ends what it presents. The window's own widgets stay as they are. It is the window's root
+  /// view controller, or, once it is pushed on a `ZLVNavigationController`, that one is. Main
+  /// thread, after GTK's start. Throws `ZLVProgrammingFault` when there is no window.
+  [[nodiscard]] static std::shared_ptr<ZLVViewController> viewControllerForWindow(
+      GtkWindow* window);
+};
