@@ -175,9 +175,10 @@ TEST_F(Console, FailuresSayWhatToDo) {
 TEST_F(Console, DemoTellsTheWholeJourney) {
   const auto result = ChildProcess({ZOLVA_PROGRAM, "demo"}).finish();
   EXPECT_EQ(result.exitCode, 0) << result.output;
-  for (const auto* piece : {"code 404", "presses Confirm", "zolvademo://done", "It is ENABLED",
-                            "settlement", "pending", "It is DISABLED", "Unlink Account Success",
-                            "Create Transaction Success", "Summary: 8 of 8 steps"}) {
+  for (const auto* piece :
+       {"code 404", "presses Confirm", "zolvademo://done?result=success", "It is ENABLED",
+        "settlement", "pending", "It is DISABLED", "Unlink Account Success",
+        "Create Transaction Success", "Summary: 8 of 8 steps"}) {
     EXPECT_NE(result.output.find(piece), std::string::npos) << piece << "\n" << result.output;
   }
 }

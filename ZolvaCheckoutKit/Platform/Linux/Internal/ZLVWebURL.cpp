@@ -52,7 +52,10 @@ std::optional<ZLVWebURL> ZLVWebURL::resolved(const std::string& location) const 
                               parsing | CURLU_URLENCODE) != CURLUE_OK) {
     return std::nullopt;
   }
-  return taken(handle, part(handle, CURLUPART_URL));
+  auto target = taken(handle, part(handle, CURLUPART_URL));
+  // Another application's URL stays as it was sent; libcurl would give it a path.
+  if (target.scheme != "http" && target.scheme != "https") target.text = location;
+  return target;
 }
 
 bool ZLVWebURL::hasSameOrigin(const ZLVWebURL& other) const {
