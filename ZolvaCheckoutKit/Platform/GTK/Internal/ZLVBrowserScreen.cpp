@@ -41,6 +41,7 @@ ZLVBrowserScreen::ZLVBrowserScreen(ZLVDismissButtonStyle style,
                                  ZLVLocalized("Web page"), GTK_ACCESSIBLE_PROPERTY_MODAL, TRUE, -1);
 
   GtkWidget* const content = gtk_overlay_new();
+  gtk_widget_set_vexpand(content, TRUE);
   gtk_overlay_set_child(GTK_OVERLAY(content), page_.widget());
   for (GtkWidget* above : {spinner_, problemPage_.widget(), bar_.progressBar()}) {
     gtk_overlay_add_overlay(GTK_OVERLAY(content), above);
@@ -129,12 +130,18 @@ void ZLVBrowserScreen::reload() {
   if (content_ != Content::Problem) return page_.reload();
   setContent(Content::Loading);
   page_.load(problem_.URL);
+  updateBar();
   grabFocus();
 }
 
 void ZLVBrowserScreen::updateBar() {
   auto state = page_.state();
-  if (content_ == Content::Problem) state.canGoBack = canReturn();
+  if (content_ == Content::Problem) {
+    const bool isUnsafe = problem_.kind == ZLVProblem::Kind::Certificate;
+    state.host = problem_.host;
+    state.security = isUnsafe ? ZLVSecurity::NotSecure : ZLVSecurity::Unknown;
+    state.canGoBack = canReturn();
+  }
   bar_.setState(state);
   bar_.setCanReload(canReload());
 }

@@ -1,10 +1,14 @@
+#include <filesystem>
+
 #include <ZolvaCheckoutKit/Platform/GTK/Internal/ZLVCertificateAuthorities.h>
 
 bool ZLVCertificateAuthorities::vouch(GTlsCertificate* certificate, const std::string& host) {
   if (!file_) return false;
   if (!database_) {
+    // GLib wants an absolute path.
+    const auto file = std::filesystem::absolute(*file_);
     database_ = ZLVGObject<GTlsDatabase>::take(
-        G_TLS_DATABASE(g_tls_file_database_new(file_->c_str(), nullptr)));
+        G_TLS_DATABASE(g_tls_file_database_new(file.c_str(), nullptr)));
     if (!database_) return false;
   }
   constexpr guint16 anyPort = 0;

@@ -13,6 +13,7 @@ struct Words {
   const char* title;
   const char* text;
   const char* reload;  ///< Null where fetching the page again would change nothing.
+  bool isReloadUsual = false;
 };
 
 const Words& wordsFor(ZLVProblem::Kind kind) {
@@ -20,14 +21,15 @@ const Words& wordsFor(ZLVProblem::Kind kind) {
                                      nullptr};
   static constexpr Words unreachable{
       "network-server-symbolic", N_("The page cannot be shown"),
-      N_("%s does not answer. Check your internet connection and try again."), N_("Try Again")};
+      N_("%s does not answer. Check your internet connection and try again."), N_("Try Again"),
+      true};
   static constexpr Words ledOut{
       "dialog-information-symbolic", N_("Continue in the other app"),
       N_("%s has sent you to another app. Close this page when you are done there."),
       N_("Try Again")};
   static constexpr Words crashed{"dialog-warning-symbolic", N_("The page has stopped working"),
                                  N_("Reload it to go on. What you had entered may be lost."),
-                                 N_("Reload")};
+                                 N_("Reload"), true};
   switch (kind) {
     case ZLVProblem::Kind::Certificate:
       return certificate;
@@ -99,11 +101,13 @@ ZLVProblemPage::ZLVProblemPage(Actions actions)
   gtk_image_set_pixel_size(GTK_IMAGE(icon_), iconSize);
   gtk_widget_add_css_class(title_, "title");
   gtk_widget_add_css_class(detail_, "dim-label");
-  for (GtkWidget* child : {icon_, title_, text_, detail_, reload_, close_}) {
+  GtkWidget* const buttons = gtk_box_new(GTK_ORIENTATION_VERTICAL, spacing);
+  gtk_widget_set_halign(buttons, GTK_ALIGN_CENTER);
+  gtk_widget_set_margin_top(buttons, spacing);
+  for (GtkWidget* button : {reload_, close_}) gtk_box_append(GTK_BOX(buttons), button);
+  for (GtkWidget* child : {icon_, title_, text_, detail_, buttons}) {
     gtk_box_append(GTK_BOX(box), child);
   }
-  for (GtkWidget* button : {reload_, close_}) gtk_widget_set_halign(button, GTK_ALIGN_CENTER);
-  gtk_widget_set_margin_top(reload_, spacing);
   gtk_scrolled_window_set_policy(GTK_SCROLLED_WINDOW(page_.get()), GTK_POLICY_NEVER,
                                  GTK_POLICY_AUTOMATIC);
   gtk_scrolled_window_set_child(GTK_SCROLLED_WINDOW(page_.get()), box);
@@ -127,12 +131,15 @@ void ZLVProblemPage::setProblem(const ZLVProblem& problem) {
   gtk_label_set_text(GTK_LABEL(detail_), problem.detail.c_str());
   gtk_widget_set_visible(detail_, !problem.detail.empty());
   gtk_widget_set_visible(reload_, canReload(problem));
-  if (canReload(problem)) {
-    gtk_button_set_label(GTK_BUTTON(reload_), ZLVLocalized(words.reload));
-    gtk_widget_add_css_class(reload_, "suggested-action");
+  if (canReload(problem)) gtk_button_set_label(GTK_BUTTON(reload_), ZLVLocalized(words.reload));
+  usual_ = words.isReloadUsual ? reload_ : close_;
+  for (GtkWidget* button : {reload_, close_}) {
+    if (button == usual_) {
+      gtk_widget_add_css_class(button, "suggested-action");
+    } else {
+      gtk_widget_remove_css_class(button, "suggested-action");
+    }
   }
 }
 
-void ZLVProblemPage::grabFocus() {
-  gtk_widget_grab_focus(gtk_widget_get_visible(reload_) != FALSE ? reload_ : close_);
-}
+void ZLVProblemPage::grabFocus() { gtk_widget_grab_focus(usual_); }

@@ -35,5 +35,6 @@ class ZLVProblemPage {
   GtkWidget* detail_;
   GtkWidget* reload_;
   GtkWidget* close_;
+  GtkWidget* usual_ = close_;
   ZLVSignals signals_;
 };

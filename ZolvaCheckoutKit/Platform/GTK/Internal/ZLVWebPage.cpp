@@ -54,11 +54,11 @@ ZLVWebPage::State ZLVWebPage::state() const {
           .canGoBack = webkit_web_view_can_go_back(view_.get()) != FALSE};
 }
 
-void ZLVWebPage::load(const std::string& url) {
-  requestedURL_ = url;
+void ZLVWebPage::load(std::string url) {
+  requestedURL_ = std::move(url);
   hasLedOut_ = false;
-  if (host_.empty()) host_ = displayedHost(url.c_str());
-  webkit_web_view_load_uri(view_.get(), url.c_str());
+  if (host_.empty()) host_ = displayedHost(requestedURL_.c_str());
+  webkit_web_view_load_uri(view_.get(), requestedURL_.c_str());
 }
 
 void ZLVWebPage::goBack() { webkit_web_view_go_back(view_.get()); }
@@ -72,19 +72,22 @@ void ZLVWebPage::connectLoading() {
   signals_.connect(view, "load-changed", [this](WebKitWebView*, WebKitLoadEvent event) {
     if (event == WEBKIT_LOAD_COMMITTED) committed();
   });
+  // Handled, or the engine would show a page of its own.
   signals_.connect(view, "load-failed",
                    [this](WebKitWebView*, WebKitLoadEvent, const char* url, GError* error) {
-                     return static_cast<gboolean>(failed(url, *error));
+                     loadFailed(url, *error);
+                     return TRUE;
                    });
   signals_.connect(view, "load-failed-with-tls-errors",
                    [this](WebKitWebView*, const char* url, GTlsCertificate* certificate,
                           GTlsCertificateFlags flags) {
-                     return static_cast<gboolean>(failedCertificate(url, certificate, flags));
+                     certificateFailed(url, certificate, flags);
+                     return TRUE;
                    });
-  signals_.connect(
-      view, "web-process-terminated", [this](WebKitWebView*, WebKitWebProcessTerminationReason) {
-        events_.failed({.kind = ZLVProblem::Kind::Crashed, .URL = URL_, .host = host_});
-      });
+  signals_.connect(view, "web-process-terminated",
+                   [this](WebKitWebView*, WebKitWebProcessTerminationReason) {
+                     fail(ZLVProblem::Kind::Crashed, requestedURL_);
+                   });
   signals_.connect(view, "close", [this](WebKitWebView*) { events_.closed(); });
 }
 
@@ -124,32 +127,42 @@ void ZLVWebPage::connectPolicies() {
 
 void ZLVWebPage::committed() {
   const char* const url = webkit_web_view_get_uri(view_.get());
-  hasPage_ = true;
-  URL_ = url;
+  // The engine shows an empty page, and reports no failure, for a port that it will not talk to.
+  const auto host = hostOf(url);
+  hasPage_ = !host.empty();
+  if (!hasPage_) return fail(ZLVProblem::Kind::Unreachable, requestedURL_);
+
+  requestedURL_ = url;
   host_ = displayedHost(url);
   GTlsCertificate* certificate = nullptr;
   GTlsCertificateFlags flags{};
   const bool isEncrypted = webkit_web_view_get_tls_info(view_.get(), &certificate, &flags) != FALSE;
-  const bool isTrusted =
-      isEncrypted && (flags == 0 || authorities_->vouch(certificate, hostOf(url)));
+  const bool isTrusted = isEncrypted && (flags == 0 || authorities_->vouch(certificate, host));
   security_ = isTrusted ? ZLVSecurity::Secure : ZLVSecurity::NotSecure;
   events_.shown();
   events_.stateChanged();
 }
 
-bool ZLVWebPage::failed(const char* url, const GError& error) {
+void ZLVWebPage::fail(ZLVProblem::Kind kind, std::string url, std::string detail,
+                      GTlsCertificateFlags flags) {
+  auto host = displayedHost(url.c_str());
+  events_.failed({.kind = kind,
+                  .URL = std::move(url),
+                  .host = std::move(host),
+                  .certificateFlags = flags,
+                  .detail = std::move(detail)});
+}
+
+void ZLVWebPage::loadFailed(const char* url, const GError& error) {
   const bool isReplaced =
       g_error_matches(&error, WEBKIT_NETWORK_ERROR, WEBKIT_NETWORK_ERROR_CANCELLED) != FALSE;
   const bool isRefused = error.domain == WEBKIT_POLICY_ERROR;
-  if (isReplaced || (isRefused && hasPage_)) return true;
-  events_.failed({.kind = hasLedOut_ ? ZLVProblem::Kind::LedOut : ZLVProblem::Kind::Unreachable,
-                  .URL = isRefused ? requestedURL_ : url,
-                  .host = displayedHost(url),
-                  .detail = isRefused ? "" : error.message});
-  return true;
+  if (isReplaced || (isRefused && hasPage_)) return;
+  if (!isRefused) return fail(ZLVProblem::Kind::Unreachable, url, error.message);
+  fail(hasLedOut_ ? ZLVProblem::Kind::LedOut : ZLVProblem::Kind::Unreachable, requestedURL_);
 }
 
-bool ZLVWebPage::failedCertificate(const char* url, GTlsCertificate* certificate,
+void ZLVWebPage::certificateFailed(const char* url, GTlsCertificate* certificate,
                                    GTlsCertificateFlags flags) {
   const auto host = hostOf(url);
   const bool isNew = !vouched_ || !g_tls_certificate_is_same(vouched_.get(), certificate);
@@ -157,16 +170,9 @@ bool ZLVWebPage::failedCertificate(const char* url, GTlsCertificate* certificate
     vouched_ = ZLVGObject<GTlsCertificate>::retain(certificate);
     webkit_network_session_allow_tls_certificate_for_host(session_.get(), certificate,
                                                           host.c_str());
-    load(url);
-    return true;
+    return load(url);
   }
-  security_ = ZLVSecurity::NotSecure;
-  host_ = displayedHost(url);
-  events_.failed({.kind = ZLVProblem::Kind::Certificate,
-                  .URL = url,
-                  .host = host_,
-                  .certificateFlags = flags});
-  return true;
+  fail(ZLVProblem::Kind::Certificate, url, {}, flags);
 }
 
 bool ZLVWebPage::decideNavigation(WebKitPolicyDecision* decision, bool isNewWindow) {

@@ -49,17 +49,19 @@ class ZLVWebPage {
   /// Whether any page has come so far.
   [[nodiscard]] bool hasPage() const { return hasPage_; }
 
-  void load(const std::string& url);
+  void load(std::string url);
   void goBack();
   /// Fetches the page again; never sends a form again.
-  void reload() { load(URL_.empty() ? requestedURL_ : URL_); }
+  void reload() { load(requestedURL_); }
 
  private:
   void connectLoading();
   void connectPolicies();
   void committed();
-  bool failed(const char* url, const GError& error);
-  bool failedCertificate(const char* url, GTlsCertificate* certificate, GTlsCertificateFlags flags);
+  void fail(ZLVProblem::Kind kind, std::string url, std::string detail = {},
+            GTlsCertificateFlags flags = {});
+  void loadFailed(const char* url, const GError& error);
+  void certificateFailed(const char* url, GTlsCertificate* certificate, GTlsCertificateFlags flags);
   bool decideNavigation(WebKitPolicyDecision* decision, bool isNewWindow);
   static bool decideResponse(WebKitPolicyDecision* decision);
 
@@ -69,8 +71,8 @@ class ZLVWebPage {
   ZLVGObject<WebKitWebView> view_;
   std::string host_;
   ZLVSecurity security_ = ZLVSecurity::Unknown;
+  /// The page that is shown, or on its way.
   std::string requestedURL_;
-  std::string URL_;
   bool hasPage_ = false;
   bool hasLedOut_ = false;
   /// The certificate that the authorities last vouched for.
