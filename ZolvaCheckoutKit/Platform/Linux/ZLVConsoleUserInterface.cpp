@@ -1,4 +1,4 @@
-#include <cstdio>
+#include <iostream>
 #include <utility>
 
 #include <ZolvaCheckoutKit/Platform/Linux/Internal/ZLVProcess.h>
@@ -7,10 +7,10 @@
 namespace {
 
 void open(const ZLVURL& url, const std::optional<std::string>& command) {
-  std::fprintf(stderr, "open %s\n", url.absoluteString().c_str());
+  std::cerr << "open " + url.absoluteString() + '\n';
   if (!command) return;
   if (const auto error = ZLVProcess::start(*command, url.absoluteString())) {
-    std::fprintf(stderr, "cannot start %s: %s\n", command->c_str(), error.message().c_str());
+    std::cerr << "cannot start " + *command + ": " + error.message() + '\n';
   }
 }
 

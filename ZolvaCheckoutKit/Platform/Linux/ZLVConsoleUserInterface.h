@@ -17,6 +17,8 @@ class ZLV_EXPORT ZLVConsoleUserInterface final : public ZLVUserInterface {
   /// in PATH and started directly, without a shell.
   explicit ZLVConsoleUserInterface(std::shared_ptr<ZLVMainQueue> mainQueue,
                                    std::optional<std::string> openWithCommand = std::nullopt);
+  ZLVConsoleUserInterface(const ZLVConsoleUserInterface&) = delete;
+  ZLVConsoleUserInterface& operator=(const ZLVConsoleUserInterface&) = delete;
   ~ZLVConsoleUserInterface() override;
 
   /// What a host without view controllers of its own passes to the library's operations.

@@ -1,9 +1,9 @@
 #include <algorithm>
+#include <csignal>
 #include <new>
 #include <utility>
 
 #include <pthread.h>
-#include <signal.h>
 
 #include <ZolvaCheckoutKit/Platform/Linux/Internal/ZLVCurlLoop.h>
 #include <ZolvaCheckoutKit/Platform/Linux/Internal/ZLVCurlLoops.h>
@@ -106,7 +106,7 @@ void ZLVCurlLoop::takeDone() {
   int remaining = 0;
   while (const CURLMsg* message = curl_multi_info_read(multi_, &remaining)) {
     CURL* handle = message->easy_handle;
-    const CURLcode result = message->data.result;
+    const CURLcode result = message->data.result;  // NOLINT(*-union-access): libcurl's
     curl_multi_remove_handle(multi_, handle);
     const auto transfer = transfers_.find(handle);
     if (transfer->second->continueAfter(result)) {

@@ -14,15 +14,25 @@ struct Registry {
 
 /// Never destroyed, and so are the loops that are in it when the process exits.
 Registry& registry() {
-  static Registry& registry = *new Registry;
+  static auto& registry = *new Registry;  // NOLINT(*-non-const-global-variables)
   return registry;
 }
+
+/// Keeps a thread from ending while libcurl is being set up, and so from letting the process exit
+/// before it is known how that is done in order: exit(3) ends the calling thread's objects first.
+struct SetUpGuard {
+  SetUpGuard() = default;
+  SetUpGuard(const SetUpGuard&) = delete;
+  SetUpGuard& operator=(const SetUpGuard&) = delete;
+  ~SetUpGuard() { ZLVCurlLoops::setUpLibrary(); }
+};
 
 }  // namespace
 
 void ZLVCurlLoops::start(const std::shared_ptr<ZLVCurlLoop>& loop) {
   const std::lock_guard lock(registry().mutex);
   if (registry().isExiting) return;
+  [[maybe_unused]] static thread_local const SetUpGuard guard;
   loop->start();
   registry().loops.insert(loop);
 }
@@ -43,7 +53,11 @@ void ZLVCurlLoops::setUpLibrary() {
 }
 
 void ZLVCurlLoops::abandonAll() {
-  const std::lock_guard lock(registry().mutex);
-  registry().isExiting = true;
-  for (const auto& loop : registry().loops) loop->end(ZLVCurlLoop::End::Abandon);
+  std::set<std::shared_ptr<ZLVCurlLoop>> loops;
+  {
+    const std::lock_guard lock(registry().mutex);
+    registry().isExiting = true;
+    loops = registry().loops;
+  }
+  for (const auto& loop : loops) loop->end(ZLVCurlLoop::End::Abandon);
 }

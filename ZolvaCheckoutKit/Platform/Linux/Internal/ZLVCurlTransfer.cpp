@@ -20,7 +20,7 @@ ZLVCurlTransfer::Clock::duration interval(double seconds) {
 bool isToken(std::string_view text) {
   constexpr std::string_view allowed =
       "!#$%&'*+-.^_`|~0123456789ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz";
-  return !text.empty() && text.find_first_not_of(allowed) == text.npos;
+  return !text.empty() && text.find_first_not_of(allowed) == std::string_view::npos;
 }
 
 bool isHeader(const std::pair<std::string, std::string>& header) {
@@ -37,12 +37,13 @@ std::string line(const std::pair<std::string, std::string>& header) {
 
 /// What libcurl calls while it works on the handle.
 struct ZLVCurlTransfer::Callbacks {
-  static std::size_t header(const char* /*line*/, std::size_t, std::size_t size, void* self) {
+  static std::size_t header(const char* /*line*/, std::size_t /*one*/, std::size_t size,
+                            void* self) {
     static_cast<ZLVCurlTransfer*>(self)->lastProgress_ = Clock::now();
     return size;
   }
 
-  static std::size_t write(const char* bytes, std::size_t, std::size_t size, void* self) {
+  static std::size_t write(const char* bytes, std::size_t /*one*/, std::size_t size, void* self) {
     auto& transfer = *static_cast<ZLVCurlTransfer*>(self);
     std::string& data = transfer.answer_.data;
     transfer.isTooLarge_ = size > transfer.configuration_->maximumAnswerSize - data.size();
@@ -51,7 +52,8 @@ struct ZLVCurlTransfer::Callbacks {
     return size;
   }
 
-  static int progress(void* self, curl_off_t, curl_off_t received, curl_off_t, curl_off_t sent) {
+  static int progress(void* self, curl_off_t /*toReceive*/, curl_off_t received,
+                      curl_off_t /*toSend*/, curl_off_t sent) {
     auto& transfer = *static_cast<ZLVCurlTransfer*>(self);
     if (std::exchange(transfer.bytesMoved_, received + sent) != received + sent) {
       transfer.lastProgress_ = Clock::now();
@@ -60,7 +62,8 @@ struct ZLVCurlTransfer::Callbacks {
   }
 
   /// Asked before each time that the request is sent.
-  static int send(void* self, char*, char*, int, int) {
+  static int send(void* self, char* /*peer*/, char* /*local*/, int /*peerPort*/,
+                  int /*localPort*/) {
     auto& transfer = *static_cast<ZLVCurlTransfer*>(self);
     if (transfer.refusesToSend()) return CURL_PREREQFUNC_ABORT;
     transfer.isSent_ = true;
@@ -68,7 +71,7 @@ struct ZLVCurlTransfer::Callbacks {
     return CURL_PREREQFUNC_OK;
   }
 
-  static curl_socket_t open(void* self, curlsocktype, curl_sockaddr* address) {
+  static curl_socket_t open(void* self, curlsocktype /*purpose*/, curl_sockaddr* address) {
     if (static_cast<ZLVCurlTransfer*>(self)->refusesToSend()) return CURL_SOCKET_BAD;
     return socket(address->family, address->socktype | SOCK_CLOEXEC, address->protocol);
   }
@@ -230,9 +233,9 @@ void ZLVCurlTransfer::conclude(CURLcode result) {
   } else if (isTooLarge_) {
     fail(NSURLErrorDataLengthExceedsMaximum);
   } else {
-    const std::string message = isLost_            ? "the request was not sent again"
-                                : message_.front() ? message_.data()
-                                                   : curl_easy_strerror(result);
+    const std::string message = isLost_                 ? "the request was not sent again"
+                                : message_.front() != 0 ? message_.data()
+                                                        : curl_easy_strerror(result);
     fail(isLost_ ? NSURLErrorNetworkConnectionLost : ZLVTransportError::code(result, handle()),
          "libcurl " + std::to_string(result) + ": " + message);
   }

@@ -30,6 +30,7 @@ class ZLVCurlTransfer {
   ZLVCurlTransfer(ZLVURLRequest request, ZLVURLSession::CompletionHandler handler);
   ZLVCurlTransfer(const ZLVCurlTransfer&) = delete;
   ZLVCurlTransfer& operator=(const ZLVCurlTransfer&) = delete;
+  ~ZLVCurlTransfer() = default;
 
   [[nodiscard]] CURL* handle() const { return handle_.get(); }
 
@@ -57,7 +58,7 @@ class ZLVCurlTransfer {
   void set(CURLoption option, Value value);
   void setCallOptions();
   void setHopOptions();
-  std::optional<NSURLError> refusal() const;
+  [[nodiscard]] std::optional<NSURLError> refusal() const;
   bool refusesToSend();
   void conclude(CURLcode result);
 

@@ -8,15 +8,14 @@
 
 #include <ZolvaCheckoutKit/Platform/Linux/Internal/ZLVProcess.h>
 
-std::error_code ZLVProcess::start(const std::string& program, const std::string& argument) {
+std::error_code ZLVProcess::start(std::string program, std::string argument) {
   posix_spawn_file_actions_t actions;
   posix_spawn_file_actions_init(&actions);
   posix_spawn_file_actions_addopen(&actions, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
   posix_spawn_file_actions_adddup2(&actions, STDERR_FILENO, STDOUT_FILENO);
+  posix_spawn_file_actions_addclosefrom_np(&actions, STDERR_FILENO + 1);
 
-  // posix_spawnp takes the arguments as not const for C's sake and does not change them.
-  const std::array<char*, 3> arguments{const_cast<char*>(program.c_str()),
-                                       const_cast<char*>(argument.c_str()), nullptr};
+  const std::array<char*, 3> arguments{program.data(), argument.data(), nullptr};
   pid_t child = 0;
   const int error =
       posix_spawnp(&child, program.c_str(), &actions, nullptr, arguments.data(), environ);

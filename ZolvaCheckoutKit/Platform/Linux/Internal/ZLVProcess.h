@@ -9,5 +9,5 @@ class ZLVProcess {
   /// Starts `program`, found in PATH, with one argument and without a shell, and does not wait for
   /// it. It reads nothing and writes where this process reports errors, so that it cannot take the
   /// host's input nor add to its output. Any thread.
-  static std::error_code start(const std::string& program, const std::string& argument);
+  static std::error_code start(std::string program, std::string argument);
 };

@@ -9,7 +9,7 @@ constexpr std::string_view whiteSpace = " \t\r\n";
 
 std::string_view trimmed(std::string_view text) {
   const auto begin = text.find_first_not_of(whiteSpace);
-  if (begin == text.npos) return {};
+  if (begin == std::string_view::npos) return {};
   return text.substr(begin, text.find_last_not_of(whiteSpace) - begin + 1);
 }
 
@@ -55,7 +55,7 @@ std::optional<std::string> ZLVSystemFile::setting(const std::filesystem::path& f
     const std::string_view assignment = trimmed(line);
     const auto equals = assignment.find('=');
     // As in a shell, the last assignment holds.
-    if (assignment.substr(0, equals) == key && equals != assignment.npos) {
+    if (assignment.substr(0, equals) == key && equals != std::string_view::npos) {
       value = unlessEmpty(unquoted(assignment.substr(equals + 1)));
     }
   }

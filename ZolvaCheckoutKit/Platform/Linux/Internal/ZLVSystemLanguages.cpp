@@ -8,7 +8,7 @@
 namespace {
 
 std::string_view environmentVariable(const char* name) {
-  const char* value = std::getenv(name);
+  const char* value = std::getenv(name);  // NOLINT(*-mt-unsafe): as the C library itself
   return value == nullptr ? std::string_view() : value;
 }
 

@@ -1,5 +1,4 @@
 #include <algorithm>
-#include <charconv>
 #include <ctime>
 #include <filesystem>
 #include <string>
@@ -33,9 +32,7 @@ std::optional<ZLVThreadClocks> ZLVThreadClocks::read() {
   std::error_code error;
   for (fs::directory_iterator task("/proc/self/task", error), end; !error && task != end;
        task.increment(error)) {
-    const std::string name = task->path().filename();
-    pid_t thread = 0;
-    std::from_chars(name.data(), name.data() + name.size(), thread);
+    const pid_t thread = std::stoi(task->path().filename());
     const auto time = processorTime(thread);
     // A thread that has just ended is none that cannot be read.
     if (std::error_code gone; time || fs::exists(task->path(), gone)) clocks.times_[thread] = time;

@@ -1,6 +1,6 @@
 #include <algorithm>
+#include <array>
 #include <cerrno>
-#include <iterator>
 #include <string_view>
 #include <utility>
 
@@ -14,7 +14,7 @@ struct Description {
   std::string_view text;  // % stands for the server
 };
 
-constexpr Description descriptions[] = {
+constexpr auto descriptions = std::to_array<Description>({
     {NSURLErrorCancelled, "The call was cancelled."},
     {NSURLErrorBadURL, "The request cannot be sent: its URL, method or a header is malformed."},
     {NSURLErrorTimedOut, "% did not answer in time. Try again later."},
@@ -48,7 +48,7 @@ constexpr Description descriptions[] = {
      "The certificate of % is not valid yet. Check this machine's clock."},
     {NSURLErrorClientCertificateRejected, "% refused the client certificate."},
     {NSURLErrorUnknown, "The call to % failed."},
-};
+});
 
 /// What libcurl reports, with a detail of it or with any; the first that fits counts.
 struct Meaning {
@@ -60,7 +60,7 @@ struct Meaning {
 constexpr long any = -1;
 constexpr long unknownCoding = 1;
 
-constexpr Meaning meanings[] = {
+constexpr auto meanings = std::to_array<Meaning>({
     {CURLE_URL_MALFORMAT, any, NSURLErrorBadURL},
     {CURLE_COULDNT_RESOLVE_PROXY, any, NSURLErrorCannotFindHost},
     {CURLE_COULDNT_RESOLVE_HOST, any, NSURLErrorCannotFindHost},
@@ -99,7 +99,7 @@ constexpr Meaning meanings[] = {
     {CURLE_SSL_ENGINE_NOTFOUND, any, NSURLErrorSecureConnectionFailed},
     {CURLE_SSL_ENGINE_SETFAILED, any, NSURLErrorSecureConnectionFailed},
     {CURLE_SSL_SHUTDOWN_FAILED, any, NSURLErrorSecureConnectionFailed},
-};
+});
 
 long information(CURL* transfer, CURLINFO item) {
   long value = 0;
@@ -108,11 +108,12 @@ long information(CURL* transfer, CURLINFO item) {
 }
 
 bool hasKnownCoding(CURL* transfer) {
-  constexpr std::string_view known[] = {"gzip", "x-gzip", "deflate", "br", "zstd"};
+  constexpr auto known =
+      std::to_array<std::string_view>({"gzip", "x-gzip", "deflate", "br", "zstd"});
   curl_header* header = nullptr;
   return curl_easy_header(transfer, "Content-Encoding", 0, CURLH_HEADER, -1, &header) ==
              CURLHE_OK &&
-         std::ranges::find(known, std::string_view(header->value)) != std::end(known);
+         std::ranges::find(known, std::string_view(header->value)) != known.end();
 }
 
 long detail(CURLcode result, CURL* transfer) {
@@ -131,7 +132,7 @@ long detail(CURLcode result, CURL* transfer) {
 std::string description(NSURLError code, const std::string& URL) {
   const auto* found = std::ranges::find(descriptions, code, &Description::code);
   std::string text(found->text);
-  if (const auto mark = text.find('%'); mark != text.npos) {
+  if (const auto mark = text.find('%'); mark != std::string_view::npos) {
     const auto url = ZLVWebURL::parsed(URL);
     text.replace(mark, 1, url ? url->host : "the server");
   }
@@ -154,5 +155,5 @@ NSURLError ZLVTransportError::code(CURLcode result, CURL* transfer) {
   const auto* found = std::ranges::find_if(meanings, [&](const Meaning& meaning) {
     return meaning.result == result && (meaning.detail == any || meaning.detail == wanted);
   });
-  return found == std::end(meanings) ? NSURLErrorUnknown : found->code;
+  return found == meanings.end() ? NSURLErrorUnknown : found->code;
 }

@@ -74,9 +74,9 @@ bool ZLVWebURL::isLoopback() const {
 
 std::string ZLVWebURL::withoutCredentials(std::string text) {
   const auto start = text.find("//");
-  if (start == text.npos) return text;
+  if (start == std::string::npos) return text;
   const auto end = std::min(text.find_first_of("/?#", start + 2), text.size());
   const auto at = text.rfind('@', end);
-  if (at != text.npos && at > start) text.erase(start + 2, at + 1 - (start + 2));
+  if (at != std::string::npos && at > start) text.erase(start + 2, at + 1 - (start + 2));
   return text;
 }
