@@ -80,8 +80,9 @@ TEST_F(SecureSession, NeverGoesOnInCleartext) {
                    identity.serverContext());
   auto options = trusting();
   options.allowsCleartext = true;
-  EXPECT_EQ(code(call(request(server.url()), options)),
-            NSURLErrorAppTransportSecurityRequiresSecureConnection);
+  const auto answer = call(request(server.url()), options);
+  EXPECT_EQ(code(answer), NSURLErrorAppTransportSecurityRequiresSecureConnection);
+  EXPECT_EQ(answer.error->userInfo()[NSURLErrorFailingURLStringErrorKey].text(), target);
   EXPECT_EQ(cleartext.connections(), 0);
 }
 

@@ -7,6 +7,8 @@
 #include <string>
 #include <utility>
 
+#include <gtest/gtest.h>
+
 #include <ZolvaCheckoutKit/Platform/Linux/ZLVLinuxPlatform.h>
 
 #include "Tests/Support/RawServer.h"
@@ -44,4 +46,11 @@ inline ZLVURLAnswer call(ZLVURLRequest request, const ZLVLinuxOptions& options =
 }
 
 /// The error's code, after a check of what every error has to have; 0 for an answer.
-std::int64_t code(const ZLVURLAnswer& answer);
+inline std::int64_t code(const ZLVURLAnswer& answer) {
+  if (!answer.error) return 0;
+  EXPECT_EQ(answer.error->domain(), NSURLErrorDomain);
+  EXPECT_TRUE(answer.error->userInfo().contains(NSLocalizedDescriptionKey));
+  EXPECT_TRUE(answer.error->userInfo().contains(NSURLErrorFailingURLStringErrorKey));
+  EXPECT_TRUE(answer.data.empty());
+  return answer.error->code();
+}

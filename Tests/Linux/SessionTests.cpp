@@ -1,7 +1,4 @@
-#include <csignal>
 #include <cstdio>
-#include <filesystem>
-#include <fstream>
 
 #include <gtest/gtest.h>
 
@@ -10,15 +7,6 @@
 using Reply = RawServer::Reply;
 using Then = RawServer::Then;
 using namespace std::string_literals;
-
-std::int64_t code(const ZLVURLAnswer& answer) {
-  if (!answer.error) return 0;
-  EXPECT_EQ(answer.error->domain(), NSURLErrorDomain);
-  EXPECT_TRUE(answer.error->userInfo().contains(NSLocalizedDescriptionKey));
-  EXPECT_TRUE(answer.error->userInfo().contains(NSURLErrorFailingURLStringErrorKey));
-  EXPECT_TRUE(answer.data.empty());
-  return answer.error->code();
-}
 
 namespace {
 
@@ -301,116 +289,6 @@ TEST(Session, BoundsTheAnswerAfterDecompression) {
     return Reply{headers, Then::Close};
   });
   EXPECT_NE(code(call(request(endless.url()))), 0);
-}
-
-TEST(Session, KeepsCookiesToItself) {
-  RawServer server(
-      [](auto&) { return Reply{RawServer::response("{}", "200 OK", "Set-Cookie: id=42\r\n")}; });
-  const auto session = makeSession();
-  for (int i = 0; i < 2; ++i) call(*session, request(server.url()));
-  call(request(server.url()));
-  const auto requests = server.requests();
-  EXPECT_EQ(requests[0].find("Cookie"), std::string::npos);
-  EXPECT_NE(requests[1].find("Cookie: id=42\r\n"), std::string::npos);
-  EXPECT_EQ(requests[2].find("Cookie"), std::string::npos);
-}
-
-TEST(Session, UsesTheProxyOfTheEnvironmentButNotForLoopback) {
-  RawServer proxy([](auto&) { return Reply{RawServer::response("by proxy")}; });
-  RawServer server([](auto&) { return Reply{RawServer::response("direct")}; });
-  setenv("http_proxy", proxy.url().c_str(), 1);
-  auto options = linuxOptions();
-  options.allowsCleartext = true;
-  EXPECT_EQ(call(request("http://shop.example/a"), options).data, "by proxy");
-  EXPECT_TRUE(proxy.requests().front().starts_with("GET http://shop.example/a HTTP/1.1\r\n"));
-  EXPECT_EQ(call(request(server.url()), options).data, "direct");
-}
-
-TEST(Session, AnswersFromAThreadThatTakesNoSignals) {
-  RawServer server([](auto&) { return Reply{RawServer::response("{}")}; });
-  std::promise<std::pair<bool, bool>> promise;
-  const auto session = makeSession();
-  session->dataTask(request(server.url()), [&, caller = std::this_thread::get_id()](auto) {
-    sigset_t blocked;
-    pthread_sigmask(SIG_SETMASK, nullptr, &blocked);
-    promise.set_value({sigismember(&blocked, SIGPIPE) && sigismember(&blocked, SIGINT),
-                       std::this_thread::get_id() != caller});
-  });
-  EXPECT_EQ(promise.get_future().get(), std::pair(true, true));
-}
-
-TEST(Session, CancelsWhatIsUnderWayWhenItIsDestroyed) {
-  RawServer server([](auto&) { return Reply{"", Then::Stall}; });
-  auto session = makeSession();
-  std::vector<std::future<ZLVURLAnswer>> answers;
-  for (const char* method : {"GET", "POST"}) {
-    answers.push_back(start(*session, request(server.url(), method)));
-    answers.push_back(start(*session, request("https://127.0.0.1:" + port(server), method)));
-  }
-  session.reset();
-  for (auto& answer : answers) EXPECT_EQ(code(answer.get()), NSURLErrorCancelled);
-}
-
-TEST(Session, ServesManyCallersAtOnce) {
-  RawServer server([](const std::string& request) {
-    return Reply{RawServer::response(request.substr(0, request.find(" HTTP")))};
-  });
-  const auto session = makeSession();
-  std::vector<std::thread> callers;
-  for (int caller = 0; caller < 4; ++caller) {
-    callers.emplace_back([&, caller] {
-      std::vector<std::pair<std::string, std::future<ZLVURLAnswer>>> answers;
-      for (int i = 0; i < 50; ++i) {
-        const auto path = "/" + std::to_string(caller * 100 + i);
-        answers.emplace_back("GET " + path, start(*session, request(server.url(path))));
-      }
-      for (auto& [expected, answer] : answers) EXPECT_EQ(answer.get().data, expected);
-    });
-  }
-  for (auto& caller : callers) caller.join();
-}
-
-/// Waits, last of all when the process exits, for the sessions' threads to be gone.
-struct ThreadCheck {
-  ~ThreadCheck() {
-    while (isAnyLeft()) std::this_thread::yield();
-  }
-  static bool isAnyLeft() {
-    for (const auto& task : std::filesystem::directory_iterator("/proc/self/task")) {
-      std::string name;
-      std::ifstream(task.path() / "comm") >> name;
-      if (name == "zlv-http") return true;
-    }
-    return false;
-  }
-};
-
-/// A host that exits while calls are under way, early or late in the session's life. One session
-/// is never destroyed, another one is while the process exits, when there may be new calls, too.
-void exitWithCalls(int calls, bool waits) {
-  static const ThreadCheck check;
-  const SilentListener silent;
-  const auto url = "https://127.0.0.1:" + std::to_string(silent.port());
-  static const auto& kept = *new auto(makeSession());
-  static const auto destroyed = makeSession();
-  static const struct Late {
-    ~Late() { kept->dataTask(request("http://127.0.0.1:1/"), {}); }
-  } late;
-  for (int i = 0; i < calls; ++i) {
-    kept->dataTask(request(url), [](auto) { std::abort(); });
-    destroyed->dataTask(request(url), {});
-  }
-  if (waits) call(*kept, request("http://127.0.0.1:1/"));
-  std::exit(0);
-}
-
-TEST(SessionDeathTest, LetsTheProcessExit) {
-  GTEST_FLAG_SET(death_test_style, "threadsafe");
-  for (const int calls : {0, 1, 20}) {
-    for (const bool waits : {false, true}) {
-      EXPECT_EXIT(exitWithCalls(calls, waits), testing::ExitedWithCode(0), "");
-    }
-  }
 }
 
 }  // namespace

@@ -137,7 +137,8 @@ std::optional<NSURLError> ZLVCurlTransfer::refusal() const {
   if (url.text.empty()) return NSURLErrorBadURL;
   if (url.scheme != "http" && url.scheme != "https") return NSURLErrorUnsupportedURL;
   if (url.host.empty()) return NSURLErrorBadURL;
-  if (url.scheme == "http" && !configuration_->allowsCleartext && !url.isLoopback()) {
+  const bool allowsCleartext = configuration_->allowsCleartext || url.isLoopback();
+  if (url.scheme == "http" && (hop_.mustBeSecure || !allowsCleartext)) {
     return NSURLErrorAppTransportSecurityRequiresSecureConnection;
   }
   if (!isToken(hop_.method) || !std::ranges::all_of(hop_.headers, isHeader)) {

@@ -43,11 +43,8 @@ std::variant<ZLVHTTPHop, NSURLError> ZLVHTTPHop::redirected(long status,
   if (redirects == maximumRedirects) return NSURLErrorHTTPTooManyRedirects;
   const auto target = url.resolved(location);
   if (!target) return NSURLErrorRedirectToNonExistentLocation;
-  if (url.scheme == "https" && target->scheme == "http") {
-    return NSURLErrorAppTransportSecurityRequiresSecureConnection;
-  }
 
-  ZLVHTTPHop next{*target, method, headers, body, redirects + 1};
+  ZLVHTTPHop next{*target, method, headers, body, redirects + 1, url.scheme == "https"};
   // What the host meant for one server, credentials among it, is not for another one.
   if (!url.hasSameOrigin(*target)) {
     std::erase_if(next.headers, [](const auto& header) { return !isContentType(header); });

@@ -16,7 +16,8 @@ struct ZLVHTTPHop {
   std::string method;
   std::vector<std::pair<std::string, std::string>> headers;
   std::optional<std::string> body;
-  int redirects = 0;  ///< Followed so far.
+  int redirects = 0;          ///< Followed so far.
+  bool mustBeSecure = false;  ///< What was encrypted stays so.
 
   /// The next hop, where an answer of `status` sends this one with a Location header, or the code
   /// of the error that forbids it.
