@@ -1,0 +1,84 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include <ZolvaCheckoutKit/ZolvaCheckoutKit.h>
+
+#include "Apps/Shop/Checkout/Problem.h"
+#include "Apps/Shop/Model/Orders.h"
+
+/// A wallet that is linked to the shop.
+struct LinkedAccount {
+  std::string id;
+  std::string phone;
+  std::vector<PaymentOption> options;
+};
+
+/// Everything the shop asks of the library: links a wallet, pays orders from it and finds out what
+/// became of them. One call at a time; main thread only.
+class Checkout {
+ public:
+  /// How the checkout reports; each may be empty.
+  struct Events {
+    /// A call has begun, in words for the customer; or it has ended, when there are none.
+    std::function<void(const char* activity)> busy{};
+    std::function<void()> accountChanged{};
+    /// Something has become of an order's payment.
+    std::function<void(Order& order)> orderChanged{};
+    /// A call failed; `retry` makes it again.
+    std::function<void(const Problem& problem, std::function<void()> retry)> failed{};
+  };
+
+  explicit Checkout(Orders& orders) : orders_(orders) {}
+
+  void setEvents(Events events) { events_ = std::move(events); }
+  /// What the wallet's pages are shown over.
+  void setViewController(std::shared_ptr<ZLVViewController> viewController) {
+    viewController_ = std::move(viewController);
+  }
+
+  [[nodiscard]] const std::optional<LinkedAccount>& account() const { return account_; }
+
+  void link(const std::string& phoneNumber, const std::string& countryCode);
+  /// Fetches the linked account's balances.
+  void refresh();
+  void unlink();
+
+  /// Orders what is in the basket, which is empty then.
+  void pay(Basket& basket, const PaymentOption& option);
+  /// Looks again what became of an order that is not paid.
+  void check(Order& order);
+  /// Sends an uncertain order again, under the id it has.
+  void sendAgain(Order& order) { charge(order); }
+
+  /// To be called when a completion threw: the answer was not what the call expects.
+  void answerMadeNoSense(const std::string& fault);
+
+ private:
+  /// What to do when the call under way fails.
+  using Failure = std::function<void(const ZLVError& error)>;
+
+  template <class Record>
+  ZLVCompletionHandler<Record> begin(const char* call, const char* activity,
+                                     std::function<void(const Record&)> success, Failure failure);
+  void end();
+  Failure report(std::function<void()> retry);
+
+  /// Fetches the account and calls `done` when it is linked and when it is not.
+  void enquire(const char* activity, const std::string& accountID, std::function<void()> done,
+               Failure failure);
+  void charge(Order& order);
+  void judge(Order& order);
+  void settle(Order& order, Order::State state, std::string reason = {});
+
+  Orders& orders_;
+  Events events_;
+  std::shared_ptr<ZLVViewController> viewController_;
+  std::optional<LinkedAccount> account_;
+  std::string phone_;
+  Failure failure_;
+};

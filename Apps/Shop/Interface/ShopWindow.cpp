@@ -1,0 +1,216 @@
+#include "Apps/Shop/Interface/ShopWindow.h"
+
+#include <algorithm>
+#include <utility>
+
+#include <ZolvaCheckoutKit/Platform/GTK/ZLVGTKPlatform.h>
+
+#include "Apps/Shop/Interface/Style.h"
+#include "Apps/Shop/Interface/Widgets.h"
+
+namespace {
+
+/// From this width on the basket fits beside the menu.
+constexpr int WideWindow = 760;
+
+/// A comfortable size, and on a phone all there is.
+void setDefaultSize(GtkWindow* window) {
+  GdkRectangle room{0, 0, 1000, 720};
+  GListModel* const monitors = gdk_display_get_monitors(gdk_display_get_default());
+  if (auto* const monitor = static_cast<GdkMonitor*>(g_list_model_get_item(monitors, 0))) {
+    GdkRectangle screen;
+    gdk_monitor_get_geometry(monitor, &screen);
+    room.width = std::min(room.width, screen.width);
+    room.height = std::min(room.height, screen.height);
+    g_object_unref(monitor);
+  }
+  gtk_window_set_default_size(window, room.width, room.height);
+}
+
+}  // namespace
+
+ShopWindow::ShopWindow(GtkApplication* application, Basket& basket, Orders& orders,
+                       Checkout& checkout)
+    : basket_(basket),
+      orders_(orders),
+      checkout_(checkout),
+      window_(GTK_WINDOW(gtk_application_window_new(application))),
+      menuPage_(basket, {.showBasket = [this] { show(Page::Basket); },
+                         .pay = [this] { showWallet(); }}),
+      basketPage_(basket, [this] { showWallet(); }),
+      linkPage_([this](const auto& phoneNumber, const auto& countryCode) {
+        checkout_.link(phoneNumber, countryCode);
+      }),
+      walletPage_(basket, {.pay =
+                               [this](const PaymentOption& option) {
+                                 checkout_.pay(basket_, option);
+                               },
+                           .unlink = [this] { checkout_.unlink(); }}),
+      orderPage_({.backToMenu = [this] { show(Page::Menu); },
+                  .backToBasket =
+                      [this](Order& order) {
+                        if (basket_.isEmpty()) basket_.add(order.lines);
+                        show(isWide_ ? Page::Menu : Page::Basket);
+                      },
+                  .check = [this](Order& order) { checkout_.check(order); },
+                  .sendAgain = [this](Order& order) { checkout_.sendAgain(order); }}),
+      ordersPage_(orders, [this](Order& order) { showOrder(order); }) {
+  gtk_window_set_title(window_, "Corner Coffee");
+  gtk_widget_add_css_class(GTK_WIDGET(window_), "shop");
+  setDefaultSize(window_);
+  // The header is part of the content, so that a page of the wallet covers it, too.
+  GtkWidget* const noTitlebar = gtk_label_new(nullptr);
+  gtk_widget_set_visible(noTitlebar, FALSE);
+  gtk_window_set_titlebar(window_, noTitlebar);
+
+  buildPages();
+  buildHeader();
+  buildNotice();
+  buildBusyCard();
+  GtkWidget* const content = gtk_overlay_new();
+  gtk_overlay_set_child(GTK_OVERLAY(content), pageBox_);
+  gtk_overlay_add_overlay(GTK_OVERLAY(content), busy_);
+  gtk_window_set_child(window_,
+                       makeBox(GTK_ORIENTATION_VERTICAL, 0, {header_, notice_, content}));
+  followWidth();
+  listen();
+  show(Page::Menu);
+}
+
+/// The hidden pages are hidden from screen readers, too, which a stack would not do.
+void ShopWindow::buildPages() {
+  pages_ = {menuPage_.widget(),   basketPage_.widget(), linkPage_.widget(),
+            walletPage_.widget(), orderPage_.widget(),  ordersPage_.widget()};
+  pageBox_ = makeBox(GTK_ORIENTATION_VERTICAL, 0, {});
+  for (GtkWidget* page : pages_) {
+    gtk_widget_set_vexpand(page, TRUE);
+    gtk_box_append(GTK_BOX(pageBox_), page);
+  }
+}
+
+void ShopWindow::buildHeader() {
+  header_ = gtk_header_bar_new();
+  auto* const header = GTK_HEADER_BAR(header_);
+  gtk_header_bar_set_decoration_layout(header, ":close");
+  GtkWidget* const brand = makeLabel("Corner Coffee", "brand");
+  gtk_label_set_wrap(GTK_LABEL(brand), FALSE);
+  gtk_header_bar_set_title_widget(header, brand);
+  back_ = makeIconButton("go-previous-symbolic", "Back", [this] { show(Page::Menu); });
+  gtk_header_bar_pack_start(header, back_);
+  gtk_header_bar_pack_end(header, makeIconButton("avatar-default-symbolic", "Wallet",
+                                                 [this] { showWallet(); }));
+  gtk_header_bar_pack_end(
+      header, makeIconButton("document-open-recent-symbolic", "Orders", [this] {
+        ordersPage_.update();
+        show(Page::Orders);
+      }));
+  gtk_header_bar_pack_end(header, makeIconButton("weather-clear-night-symbolic",
+                                                 "Light or dark", [] { toggleDarkStyle(); }));
+}
+
+void ShopWindow::buildNotice() {
+  noticeTitle_ = makeLabel("", "strong");
+  noticeAdvice_ = makeLabel("", "text small");
+  retryButton_ = makeButton("Retry", "outlined", [this] {
+    gtk_widget_set_visible(notice_, FALSE);
+    if (const auto retry = std::exchange(retry_, {})) retry();
+  });
+  GtkWidget* const dismiss = makeIconButton("window-close-symbolic", "Dismiss", [this] {
+    gtk_widget_set_visible(notice_, FALSE);
+    focusPage();
+  });
+  addClasses(dismiss, "flat");
+  gtk_widget_set_valign(dismiss, GTK_ALIGN_START);
+  gtk_widget_set_halign(retryButton_, GTK_ALIGN_START);
+  GtkWidget* const text =
+      makeBox(GTK_ORIENTATION_VERTICAL, 6, {noticeTitle_, noticeAdvice_, retryButton_});
+  gtk_widget_set_hexpand(text, TRUE);
+  notice_ = GTK_WIDGET(g_object_new(GTK_TYPE_BOX, "accessible-role", GTK_ACCESSIBLE_ROLE_ALERT,
+                                    "visible", FALSE, nullptr));
+  addClasses(notice_, "notice bad");
+  gtk_box_append(GTK_BOX(notice_), text);
+  gtk_box_append(GTK_BOX(notice_), dismiss);
+}
+
+void ShopWindow::buildBusyCard() {
+  spinner_ = gtk_spinner_new();
+  activity_ = makeLabel("");
+  gtk_widget_set_size_request(spinner_, 32, 32);
+  busy_ = makeBox(GTK_ORIENTATION_VERTICAL, 12, {spinner_, activity_}, "card busy");
+  gtk_widget_set_halign(busy_, GTK_ALIGN_CENTER);
+  gtk_widget_set_valign(busy_, GTK_ALIGN_CENTER);
+  gtk_widget_set_visible(busy_, FALSE);
+}
+
+void ShopWindow::followWidth() {
+  gtk_widget_realize(GTK_WIDGET(window_));
+  GdkSurface* const surface = gtk_native_get_surface(GTK_NATIVE(window_));
+  onSignal(surface, "layout", [this, surface] {
+    const bool isWide = gdk_surface_get_width(surface) >= WideWindow;
+    if (isWide == std::exchange(isWide_, isWide)) return;
+    menuPage_.setWide(isWide);
+    if (isWide && page_ == Page::Basket) show(Page::Menu);
+  });
+}
+
+void ShopWindow::listen() {
+  checkout_.setViewController(ZLVGTKPlatform::viewControllerForWindow(window_));
+  checkout_.setEvents({.busy = [this](const char* activity) { setBusy(activity); },
+                       .accountChanged =
+                           [this] {
+                             if (const auto& account = checkout_.account()) {
+                               walletPage_.setAccount(*account);
+                               if (page_ == Page::Link) show(Page::Wallet);
+                             } else if (page_ == Page::Wallet) {
+                               show(Page::Link);
+                             }
+                           },
+                       .orderChanged = [this](Order& order) { showOrder(order); },
+                       .failed = [this](const Problem& problem,
+                                        auto retry) { showProblem(problem, std::move(retry)); }});
+  onSignal(window_, "destroy", [&checkout = checkout_] { checkout.setEvents({}); });
+}
+
+void ShopWindow::show(Page page) {
+  page_ = page;
+  for (std::size_t index = 0; index < pages_.size(); ++index) {
+    gtk_widget_set_visible(pages_[index], index == static_cast<std::size_t>(page));
+  }
+  gtk_widget_set_visible(back_, page != Page::Menu);
+  gtk_widget_set_visible(notice_, FALSE);
+  focusPage();
+}
+
+void ShopWindow::showWallet() {
+  show(checkout_.account() ? Page::Wallet : Page::Link);
+  checkout_.refresh();
+}
+
+void ShopWindow::showOrder(Order& order) {
+  orderPage_.setOrder(order);
+  show(Page::Order);
+}
+
+void ShopWindow::setBusy(const char* activity) {
+  const bool isBusy = activity != nullptr;
+  setText(activity_, isBusy ? activity : "");
+  gtk_spinner_set_spinning(GTK_SPINNER(spinner_), isBusy);
+  gtk_widget_set_visible(busy_, isBusy);
+  gtk_widget_set_sensitive(pageBox_, !isBusy);
+  gtk_widget_set_sensitive(header_, !isBusy);
+  if (isBusy) gtk_widget_set_visible(notice_, FALSE);
+  if (!isBusy) focusPage();
+}
+
+void ShopWindow::showProblem(const Problem& problem, std::function<void()> retry) {
+  setText(noticeTitle_, problem.title);
+  setText(noticeAdvice_, problem.advice);
+  retry_ = std::move(retry);
+  gtk_widget_set_visible(retryButton_, retry_ != nullptr);
+  gtk_widget_set_visible(notice_, TRUE);
+  gtk_widget_grab_focus(retryButton_);
+}
+
+void ShopWindow::focusPage() {
+  gtk_widget_child_focus(pageBox_, GTK_DIR_TAB_FORWARD);
+}

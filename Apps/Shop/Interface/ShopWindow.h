@@ -1,0 +1,69 @@
+#pragma once
+
+#include <array>
+#include <functional>
+#include <memory>
+
+#include <gtk/gtk.h>
+
+#include "Apps/Shop/Checkout/Checkout.h"
+#include "Apps/Shop/Interface/BasketPage.h"
+#include "Apps/Shop/Interface/LinkPage.h"
+#include "Apps/Shop/Interface/MenuPage.h"
+#include "Apps/Shop/Interface/OrderPage.h"
+#include "Apps/Shop/Interface/OrdersPage.h"
+#include "Apps/Shop/Interface/WalletPage.h"
+
+/// The shop's window: shows one page at a time, a spinner while a call runs, and what went wrong.
+class ShopWindow {
+ public:
+  /// Becomes the view of `checkout` until the window is closed.
+  ShopWindow(GtkApplication* application, Basket& basket, Orders& orders, Checkout& checkout);
+
+  void present() { gtk_window_present(window_); }
+
+ private:
+  enum class Page { Menu, Basket, Link, Wallet, Order, Orders };
+
+  void buildPages();
+  void buildHeader();
+  void buildNotice();
+  void buildBusyCard();
+  void followWidth();
+  void listen();
+
+  void show(Page page);
+  /// The wallet, or what it takes to have one here.
+  void showWallet();
+  void showOrder(Order& order);
+  void setBusy(const char* activity);
+  void showProblem(const Problem& problem, std::function<void()> retry);
+  /// Leads the keyboard into the page that is shown.
+  void focusPage();
+
+  Basket& basket_;
+  Orders& orders_;
+  Checkout& checkout_;
+  GtkWindow* window_;
+  GtkWidget* header_;
+  GtkWidget* back_;
+  GtkWidget* notice_;
+  GtkWidget* noticeTitle_;
+  GtkWidget* noticeAdvice_;
+  GtkWidget* retryButton_;
+  std::function<void()> retry_;
+  GtkWidget* pageBox_;
+  std::array<GtkWidget*, 6> pages_{};
+  GtkWidget* busy_;
+  GtkWidget* spinner_;
+  GtkWidget* activity_;
+  bool isWide_ = false;
+  Page page_ = Page::Menu;
+
+  MenuPage menuPage_;
+  BasketPage basketPage_;
+  LinkPage linkPage_;
+  WalletPage walletPage_;
+  OrderPage orderPage_;
+  OrdersPage ordersPage_;
+};

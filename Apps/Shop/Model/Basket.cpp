@@ -1,0 +1,44 @@
+#include "Apps/Shop/Model/Basket.h"
+
+#include <algorithm>
+#include <numeric>
+
+void Basket::add(std::size_t item, int change) {
+  constexpr int most = 99;
+  auto& quantity = quantities_.at(item);
+  quantity = std::clamp(quantity + change, 0, most);
+  changed();
+}
+
+void Basket::add(const std::vector<BasketLine>& lines) {
+  for (const auto& [item, quantity] : lines) {
+    add(static_cast<std::size_t>(item - ShopMenu.data()), quantity);
+  }
+}
+
+void Basket::clear() {
+  quantities_.fill(0);
+  changed();
+}
+
+int Basket::count() const {
+  return std::accumulate(quantities_.begin(), quantities_.end(), 0);
+}
+
+Cents Basket::total() const {
+  Cents sum = 0;
+  for (const auto& line : lines()) sum += line.price();
+  return sum;
+}
+
+std::vector<BasketLine> Basket::lines() const {
+  std::vector<BasketLine> lines;
+  for (std::size_t item = 0; item < ShopMenu.size(); ++item) {
+    if (quantities_[item] > 0) lines.push_back({&ShopMenu[item], quantities_[item]});
+  }
+  return lines;
+}
+
+void Basket::changed() const {
+  for (const auto& observer : observers_) observer();
+}
