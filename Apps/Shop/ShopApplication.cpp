@@ -24,7 +24,8 @@ struct Option {
   const char* value;
 };
 constexpr Option options[] = {
-    {"server", G_OPTION_ARG_STRING, "Base URL of the merchant server; a sandbox without one", "URL"},
+    {"server", G_OPTION_ARG_STRING, "Base URL of the merchant server; a sandbox without one",
+     "URL"},
     {"merchant-id", G_OPTION_ARG_STRING, "The merchant's identifier", "ID"},
     {"analytics-root", G_OPTION_ARG_STRING, "Base URL of the analytics service", "URL"},
     {"ca-file", G_OPTION_ARG_FILENAME, "Certificate authorities to trust as well (PEM)", "FILE"},

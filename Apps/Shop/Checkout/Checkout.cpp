@@ -166,15 +166,15 @@ void Checkout::charge(Order& order) {
                                                  ShopCurrency),
       ZLVCustomerDetails::initWithPhoneNumber(phone_, ShopCustomer.firstName, ShopCustomer.lastName,
                                               ShopCustomer.email),
-      itemDetails(order.lines),
-      begin<ZLVTransactionResult>("charge", "Paying…", answered, failed));
+      itemDetails(order.lines), begin<ZLVTransactionResult>("charge", "Paying…", answered, failed));
 }
 
 void Checkout::check(Order& order) {
   const auto failed = [this, &order](const ZLVError& error) {
     settle(order, Order::State::Uncertain, problemFromError(error).advice);
   };
-  enquire("Checking your payment…", order.accountID, [this, &order] { judge(order); }, failed);
+  enquire(
+      "Checking your payment…", order.accountID, [this, &order] { judge(order); }, failed);
 }
 
 /// Judges an order by its payment option's balance, for want of a better witness: a shop of your

@@ -7,7 +7,7 @@
 BasketPage::BasketPage(Basket& basket, std::function<void()> pay)
     : basket_(basket),
       empty_(makeLabel("Nothing in it yet. What will it be?", "quiet")),
-      sum_(makeLabel("", "sum")),
+      sum_(makeWord("", "sum")),
       pay_(makeButton("Pay with Zolva", "filled zolva", std::move(pay))) {
   GtkWidget* const lines = makeBox(GTK_ORIENTATION_VERTICAL, 0, {}, "lines");
   for (std::size_t item = 0; item < ShopMenu.size(); ++item) {
@@ -15,9 +15,7 @@ BasketPage::BasketPage(Basket& basket, std::function<void()> pay)
     gtk_box_append(GTK_BOX(lines), lines_[item].row);
   }
   total_ = makeRow(makeLabel("Total", "strong"), sum_, "total");
-  widget_ = makeColumn(makeBox(GTK_ORIENTATION_VERTICAL, 12,
-                               {makeTitle("Your basket"), empty_, lines, total_, pay_}));
-  gtk_widget_set_vexpand(widget_, TRUE);
+  widget_ = makePage({makeTitle("Your basket"), empty_, lines, total_, pay_});
   basket.observe([this] { update(); });
   update();
 }
@@ -32,15 +30,14 @@ BasketPage::Line BasketPage::makeLine(std::size_t item) {
     return button;
   };
   Line line{};
-  line.quantity = makeLabel("", "figure");
+  line.quantity = makeWord("", "figure");
   gtk_label_set_width_chars(GTK_LABEL(line.quantity), 2);
-  gtk_label_set_xalign(GTK_LABEL(line.quantity), 0.5F);
   line.price = makeLabel("", "quiet small");
-  line.row = makeRow(makeBox(GTK_ORIENTATION_VERTICAL, 0, {makeLabel(name, "strong"), line.price}),
-                     makeBox(GTK_ORIENTATION_HORIZONTAL, 4,
-                             {stepper("list-remove-symbolic", "One " + name + " less", -1),
-                              line.quantity,
-                              stepper("list-add-symbolic", "One " + name + " more", 1)}));
+  line.row =
+      makeRow(makeBox(GTK_ORIENTATION_VERTICAL, 0, {makeLabel(name, "strong"), line.price}),
+              makeBox(GTK_ORIENTATION_HORIZONTAL, 4,
+                      {stepper("list-remove-symbolic", "One " + name + " less", -1), line.quantity,
+                       stepper("list-add-symbolic", "One " + name + " more", 1)}));
   return line;
 }
 

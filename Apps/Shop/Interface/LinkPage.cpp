@@ -50,15 +50,15 @@ LinkPage::LinkPage(Link link)
     gtk_widget_set_visible(problem_, FALSE);
     gtk_widget_remove_css_class(phone_, "wrong");
   });
-  widget_ = makeColumn(makeBox(
-      GTK_ORIENTATION_VERTICAL, 16,
+  widget_ = makePage(
       {makeTitle("Link your Zolva wallet"),
-       makeLabel("Once, then you pay here with a tap. You confirm the link on a page of your wallet.",
-                 "lead"),
+       makeLabel(
+           "Once, then you pay here with a tap. You confirm the link on a page of your wallet.",
+           "lead"),
        makeBox(GTK_ORIENTATION_VERTICAL, 14,
                {makeField("Country", country_), makeField("Phone number", phone_), problem_},
                "card"),
-       makeButton("Link wallet", "filled zolva", [this] { submit(); })}));
+       makeButton("Link wallet", "filled zolva", [this] { submit(); })});
 }
 
 void LinkPage::submit() {

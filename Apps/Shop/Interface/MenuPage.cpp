@@ -12,18 +12,14 @@ MenuPage::MenuPage(Basket& basket, Actions actions)
   gtk_flow_box_set_row_spacing(flow, 12);
   gtk_flow_box_set_column_spacing(flow, 12);
   gtk_widget_set_valign(cards_, GTK_ALIGN_START);
-  gtk_widget_add_css_class(cards_, "menu");
   for (std::size_t item = 0; item < ShopMenu.size(); ++item) {
     gtk_flow_box_insert(flow, makeCard(item), -1);
     // The button in it takes the focus.
     gtk_widget_set_focusable(
         GTK_WIDGET(gtk_flow_box_get_child_at_index(flow, static_cast<int>(item))), FALSE);
   }
-  GtkWidget* const scroller = gtk_scrolled_window_new();
-  gtk_scrolled_window_set_policy(GTK_SCROLLED_WINDOW(scroller), GTK_POLICY_NEVER,
-                                 GTK_POLICY_AUTOMATIC);
-  gtk_scrolled_window_set_child(GTK_SCROLLED_WINDOW(scroller), cards_);
-  gtk_widget_set_vexpand(scroller, TRUE);
+  GtkWidget* const scroller = makeScroller(
+      makeBox(GTK_ORIENTATION_VERTICAL, 12, {makeTitle("What will it be today?"), cards_}, "menu"));
 
   basketButton_ = makeButton("", "filled", std::move(actions.showBasket));
   gtk_widget_set_hexpand(basketButton_, TRUE);
@@ -44,16 +40,16 @@ MenuPage::MenuPage(Basket& basket, Actions actions)
 GtkWidget* MenuPage::makeCard(std::size_t item) {
   const auto& [id, name, description, category, price] = ShopMenu[item];
   constexpr int pictureHeight = 104;
-  GtkWidget* const badge = makeLabel("", "badge");
+  GtkWidget* const badge = makeWord("", "badge");
   gtk_widget_set_halign(badge, GTK_ALIGN_END);
   gtk_widget_set_valign(badge, GTK_ALIGN_START);
   GtkWidget* const picture = gtk_overlay_new();
   gtk_overlay_set_child(GTK_OVERLAY(picture), makePicture(id, pictureHeight));
   gtk_overlay_add_overlay(GTK_OVERLAY(picture), badge);
 
-  GtkWidget* const text = makeBox(GTK_ORIENTATION_VERTICAL, 2,
-                                  {makeLabel(name, "strong"), makeLabel(description, "quiet small")},
-                                  "text");
+  GtkWidget* const text =
+      makeBox(GTK_ORIENTATION_VERTICAL, 2,
+              {makeLabel(name, "strong"), makeLabel(description, "quiet small")}, "text");
   gtk_widget_set_vexpand(text, TRUE);
   GtkWidget* const add = makeIconButton("list-add-symbolic", (std::string("Add ") + name).c_str(),
                                         [this, item] { basket_.add(item, 1); });
@@ -67,7 +63,7 @@ GtkWidget* MenuPage::makeCard(std::size_t item) {
   basket_.observe(showCount);
   showCount();
   return makeBox(GTK_ORIENTATION_VERTICAL, 0,
-                 {picture, text, makeRow(makeLabel(moneyText(price), "figure"), add, "foot")},
+                 {picture, text, makeRow(makeWord(moneyText(price), "figure"), add, "foot")},
                  "card item");
 }
 

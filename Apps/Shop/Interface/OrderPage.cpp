@@ -41,18 +41,18 @@ GtkWidget* centred(GtkWidget* label) {
 }
 
 GtkWidget* makeFact(const char* name, const std::string& value) {
-  GtkWidget* const text = makeLabel(value, "small");
-  gtk_label_set_selectable(GTK_LABEL(text), TRUE);
+  GtkWidget* const text = makeWord(value, "small");
   gtk_label_set_xalign(GTK_LABEL(text), 1);
-  gtk_widget_set_focusable(text, FALSE);
-  return makeRow(makeLabel(name, "quiet small"), text);
+  gtk_widget_set_hexpand(text, TRUE);
+  return makeBox(GTK_ORIENTATION_HORIZONTAL, 12, {makeLabel(name, "quiet small"), text});
 }
 
 std::string leadText(const Order& order) {
   if (order.state == Order::State::Paid) return "Your order is paid. It is ready at the counter.";
   if (order.state != Order::State::Uncertain) return order.reason;
-  return order.reason + "\n\nYour order may have been paid all the same. Check again, or send it "
-                        "again: it keeps its number, so it is paid only once.";
+  return order.reason +
+         "\n\nYour order may have been paid all the same. Check again, or send it "
+         "again: it keeps its number, so it is paid only once.";
 }
 
 }  // namespace
@@ -62,7 +62,7 @@ const char* stateClass(Order::State state) { return appearance(state).style; }
 OrderPage::OrderPage(Actions actions)
     : actions_(std::move(actions)),
       content_(makeBox(GTK_ORIENTATION_VERTICAL, 14, {})),
-      widget_(makeColumn(content_)) {}
+      widget_(makePage({content_})) {}
 
 void OrderPage::setOrder(Order& order) {
   removeChildren(content_);
@@ -70,20 +70,19 @@ void OrderPage::setOrder(Order& order) {
   for (const auto& line : order.lines) {
     gtk_box_append(GTK_BOX(receipt),
                    makeRow(makeLabel(std::to_string(line.quantity) + " × " + line.item->name),
-                           makeLabel(moneyText(line.price()), "figure")));
+                           makeWord(moneyText(line.price()), "figure")));
   }
-  gtk_box_append(GTK_BOX(receipt), makeRow(makeLabel("Total", "strong"),
-                                           makeLabel(moneyText(order.total()), "sum")));
-  GtkWidget* const facts = makeBox(GTK_ORIENTATION_VERTICAL, 6,
-                                   {makeFact("Order", order.id), makeFact("Time", order.time)},
-                                   "total");
+  gtk_box_append(GTK_BOX(receipt),
+                 makeRow(makeLabel("Total", "strong"), makeWord(moneyText(order.total()), "sum")));
+  GtkWidget* const facts =
+      makeBox(GTK_ORIENTATION_VERTICAL, 6,
+              {makeFact("Order", order.id), makeFact("Time", order.time)}, "total");
   if (!order.transactionID.empty()) {
     gtk_box_append(GTK_BOX(facts), makeFact("Transaction", order.transactionID));
   }
-  for (GtkWidget* part :
-       {makeMark(order.state), centred(makeTitle(appearance(order.state).title)),
-        centred(makeLabel(leadText(order), "lead")),
-        makeBox(GTK_ORIENTATION_VERTICAL, 8, {receipt, facts}, "card")}) {
+  for (GtkWidget* part : {makeMark(order.state), centred(makeTitle(appearance(order.state).title)),
+                          centred(makeLabel(leadText(order), "lead")),
+                          makeBox(GTK_ORIENTATION_VERTICAL, 8, {receipt, facts}, "card")}) {
     gtk_box_append(GTK_BOX(content_), part);
   }
   addButtons(order);

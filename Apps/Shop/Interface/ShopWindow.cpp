@@ -1,6 +1,7 @@
 #include "Apps/Shop/Interface/ShopWindow.h"
 
 #include <algorithm>
+#include <string>
 #include <utility>
 
 #include <ZolvaCheckoutKit/Platform/GTK/ZLVGTKPlatform.h>
@@ -27,6 +28,14 @@ void setDefaultSize(GtkWindow* window) {
   gtk_window_set_default_size(window, room.width, room.height);
 }
 
+GtkWidget* makeBrandIcon() {
+  constexpr int size = 24;
+  GtkWidget* const icon = gtk_image_new_from_resource(
+      (std::string(ShopResources) + "com.example.CornerCoffee.svg").c_str());
+  gtk_image_set_pixel_size(GTK_IMAGE(icon), size);
+  return icon;
+}
+
 }  // namespace
 
 ShopWindow::ShopWindow(GtkApplication* application, Basket& basket, Orders& orders,
@@ -35,17 +44,15 @@ ShopWindow::ShopWindow(GtkApplication* application, Basket& basket, Orders& orde
       orders_(orders),
       checkout_(checkout),
       window_(GTK_WINDOW(gtk_application_window_new(application))),
-      menuPage_(basket, {.showBasket = [this] { show(Page::Basket); },
-                         .pay = [this] { showWallet(); }}),
+      menuPage_(basket,
+                {.showBasket = [this] { show(Page::Basket); }, .pay = [this] { showWallet(); }}),
       basketPage_(basket, [this] { showWallet(); }),
       linkPage_([this](const auto& phoneNumber, const auto& countryCode) {
         checkout_.link(phoneNumber, countryCode);
       }),
-      walletPage_(basket, {.pay =
-                               [this](const PaymentOption& option) {
-                                 checkout_.pay(basket_, option);
-                               },
-                           .unlink = [this] { checkout_.unlink(); }}),
+      walletPage_(basket,
+                  {.pay = [this](const PaymentOption& option) { checkout_.pay(basket_, option); },
+                   .unlink = [this] { checkout_.unlink(); }}),
       orderPage_({.backToMenu = [this] { show(Page::Menu); },
                   .backToBasket =
                       [this](Order& order) {
@@ -70,8 +77,7 @@ ShopWindow::ShopWindow(GtkApplication* application, Basket& basket, Orders& orde
   GtkWidget* const content = gtk_overlay_new();
   gtk_overlay_set_child(GTK_OVERLAY(content), pageBox_);
   gtk_overlay_add_overlay(GTK_OVERLAY(content), busy_);
-  gtk_window_set_child(window_,
-                       makeBox(GTK_ORIENTATION_VERTICAL, 0, {header_, notice_, content}));
+  gtk_window_set_child(window_, makeBox(GTK_ORIENTATION_VERTICAL, 0, {header_, notice_, content}));
   followWidth();
   listen();
   show(Page::Menu);
@@ -92,20 +98,20 @@ void ShopWindow::buildHeader() {
   header_ = gtk_header_bar_new();
   auto* const header = GTK_HEADER_BAR(header_);
   gtk_header_bar_set_decoration_layout(header, ":close");
-  GtkWidget* const brand = makeLabel("Corner Coffee", "brand");
-  gtk_label_set_wrap(GTK_LABEL(brand), FALSE);
-  gtk_header_bar_set_title_widget(header, brand);
+  brandIcon_ = makeBrandIcon();
+  gtk_header_bar_set_title_widget(
+      header,
+      makeBox(GTK_ORIENTATION_HORIZONTAL, 8, {brandIcon_, makeWord("Corner Coffee", "brand")}));
   back_ = makeIconButton("go-previous-symbolic", "Back", [this] { show(Page::Menu); });
   gtk_header_bar_pack_start(header, back_);
-  gtk_header_bar_pack_end(header, makeIconButton("avatar-default-symbolic", "Wallet",
-                                                 [this] { showWallet(); }));
   gtk_header_bar_pack_end(
-      header, makeIconButton("document-open-recent-symbolic", "Orders", [this] {
-        ordersPage_.update();
-        show(Page::Orders);
-      }));
-  gtk_header_bar_pack_end(header, makeIconButton("weather-clear-night-symbolic",
-                                                 "Light or dark", [] { toggleDarkStyle(); }));
+      header, makeIconButton("avatar-default-symbolic", "Wallet", [this] { showWallet(); }));
+  gtk_header_bar_pack_end(header, makeIconButton("document-open-recent-symbolic", "Orders", [this] {
+                            ordersPage_.update();
+                            show(Page::Orders);
+                          }));
+  gtk_header_bar_pack_end(header, makeIconButton("weather-clear-night-symbolic", "Light or dark",
+                                                 [] { toggleDarkStyle(); }));
 }
 
 void ShopWindow::buildNotice() {
@@ -125,11 +131,13 @@ void ShopWindow::buildNotice() {
   GtkWidget* const text =
       makeBox(GTK_ORIENTATION_VERTICAL, 6, {noticeTitle_, noticeAdvice_, retryButton_});
   gtk_widget_set_hexpand(text, TRUE);
-  notice_ = GTK_WIDGET(g_object_new(GTK_TYPE_BOX, "accessible-role", GTK_ACCESSIBLE_ROLE_ALERT,
-                                    "visible", FALSE, nullptr));
-  addClasses(notice_, "notice bad");
-  gtk_box_append(GTK_BOX(notice_), text);
-  gtk_box_append(GTK_BOX(notice_), dismiss);
+  auto* const message =
+      GTK_WIDGET(g_object_new(GTK_TYPE_BOX, "accessible-role", GTK_ACCESSIBLE_ROLE_ALERT, nullptr));
+  addClasses(message, "notice bad");
+  gtk_box_append(GTK_BOX(message), text);
+  gtk_box_append(GTK_BOX(message), dismiss);
+  notice_ = makeColumn(message);
+  gtk_widget_set_visible(notice_, FALSE);
 }
 
 void ShopWindow::buildBusyCard() {
@@ -177,6 +185,7 @@ void ShopWindow::show(Page page) {
     gtk_widget_set_visible(pages_[index], index == static_cast<std::size_t>(page));
   }
   gtk_widget_set_visible(back_, page != Page::Menu);
+  gtk_widget_set_visible(brandIcon_, page == Page::Menu || isWide_);
   gtk_widget_set_visible(notice_, FALSE);
   focusPage();
 }
@@ -211,6 +220,4 @@ void ShopWindow::showProblem(const Problem& problem, std::function<void()> retry
   gtk_widget_grab_focus(retryButton_);
 }
 
-void ShopWindow::focusPage() {
-  gtk_widget_child_focus(pageBox_, GTK_DIR_TAB_FORWARD);
-}
+void ShopWindow::focusPage() { gtk_widget_child_focus(pageBox_, GTK_DIR_TAB_FORWARD); }

@@ -47,6 +47,7 @@ class ShopWindow {
   GtkWindow* window_;
   GtkWidget* header_;
   GtkWidget* back_;
+  GtkWidget* brandIcon_;
   GtkWidget* notice_;
   GtkWidget* noticeTitle_;
   GtkWidget* noticeAdvice_;

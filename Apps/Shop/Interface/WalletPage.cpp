@@ -22,7 +22,7 @@ WalletPage::WalletPage(Basket& basket, Actions actions)
       actions_(std::move(actions)),
       phone_(makeLabel("", "strong")),
       optionBox_(makeBox(GTK_ORIENTATION_VERTICAL, 10, {})),
-      sum_(makeLabel("", "sum")) {
+      sum_(makeWord("", "sum")) {
   pay_ = makeButton("", "filled zolva", [this] {
     const auto chosen = std::ranges::find_if(buttons_, [](GtkWidget* button) {
       return gtk_check_button_get_active(GTK_CHECK_BUTTON(button)) == TRUE;
@@ -30,16 +30,14 @@ WalletPage::WalletPage(Basket& basket, Actions actions)
     if (chosen == buttons_.end()) return;
     actions_.pay(options_[static_cast<std::size_t>(chosen - buttons_.begin())]);
   });
-  payment_ = makeBox(GTK_ORIENTATION_VERTICAL, 14,
-                     {makeRow(makeLabel("To pay", "strong"), sum_), pay_});
-  widget_ = makeColumn(makeBox(
-      GTK_ORIENTATION_VERTICAL, 16,
-      {makeTitle("Your wallet"),
-       makeRow(makeBox(GTK_ORIENTATION_VERTICAL, 0,
-                       {phone_, makeLabel("Zolva wallet", "quiet small")}),
-               makeLabel("Linked", "pill good"), "card"),
-       makeLabel("Ways to pay", "strong"), optionBox_, payment_,
-       makeButton("Unlink wallet", "outlined", [this] { actions_.unlink(); })}));
+  payment_ =
+      makeBox(GTK_ORIENTATION_VERTICAL, 14, {makeRow(makeLabel("To pay", "strong"), sum_), pay_});
+  widget_ = makePage({makeTitle("Your wallet"),
+                      makeRow(makeBox(GTK_ORIENTATION_VERTICAL, 0,
+                                      {phone_, makeLabel("Zolva wallet", "quiet small")}),
+                              makeWord("Linked", "pill good"), "card"),
+                      makeLabel("Ways to pay", "strong"), optionBox_, payment_,
+                      makeButton("Unlink wallet", "outlined", [this] { actions_.unlink(); })});
   basket.observe([this] { update(); });
 }
 
@@ -61,7 +59,7 @@ GtkWidget* WalletPage::makeOption(const PaymentOption& option) {
   GtkWidget* const button = gtk_check_button_new();
   gtk_check_button_set_child(
       GTK_CHECK_BUTTON(button),
-      makeRow(makeLabel(name, "strong"), makeLabel(moneyText(option.balance), "figure")));
+      makeRow(makeLabel(name, "strong"), makeWord(moneyText(option.balance), "figure")));
   setAccessibleName(button, name + ", " + moneyText(option.balance));
   if (!buttons_.empty()) {
     gtk_check_button_set_group(GTK_CHECK_BUTTON(button), GTK_CHECK_BUTTON(buttons_.front()));

@@ -18,7 +18,8 @@ void measureColumn(GtkWidget* widget, GtkOrientation orientation, int size, int*
 
 void allocateColumn(GtkWidget* widget, int width, int height, int baseline) {
   const int columnWidth = std::min(width, ColumnWidth);
-  const graphene_point_t start = GRAPHENE_POINT_INIT(static_cast<float>((width - columnWidth) / 2), 0);
+  const graphene_point_t start =
+      GRAPHENE_POINT_INIT(static_cast<float>((width - columnWidth) / 2), 0);
   gtk_widget_allocate(gtk_widget_get_first_child(widget), columnWidth, height, baseline,
                       gsk_transform_translate(nullptr, &start));
 }
@@ -41,6 +42,15 @@ GtkWidget* makeLabel(const std::string& text, const char* classes) {
   gtk_label_set_xalign(GTK_LABEL(label), 0);
   gtk_label_set_wrap(GTK_LABEL(label), TRUE);
   gtk_label_set_wrap_mode(GTK_LABEL(label), PANGO_WRAP_WORD_CHAR);
+  addClasses(label, classes);
+  return label;
+}
+
+GtkWidget* makeWord(const std::string& text, const char* classes) {
+  GtkWidget* const label = gtk_label_new(text.c_str());
+  gtk_label_set_xalign(GTK_LABEL(label), 0);
+  gtk_label_set_ellipsize(GTK_LABEL(label), PANGO_ELLIPSIZE_MIDDLE);
+  gtk_widget_set_tooltip_text(label, text.c_str());
   addClasses(label, classes);
   return label;
 }
@@ -96,6 +106,7 @@ GtkWidget* makeBox(GtkOrientation orientation, int spacing,
 
 GtkWidget* makeRow(GtkWidget* start, GtkWidget* end, const char* classes) {
   gtk_widget_set_hexpand(start, TRUE);
+  gtk_widget_set_valign(start, GTK_ALIGN_CENTER);
   gtk_widget_set_valign(end, GTK_ALIGN_CENTER);
   return makeBox(GTK_ORIENTATION_HORIZONTAL, 12, {start, end}, classes);
 }
@@ -105,17 +116,25 @@ void removeChildren(GtkWidget* box) {
 }
 
 GtkWidget* makeColumn(GtkWidget* child) {
-  gtk_widget_add_css_class(child, "column");
   GtkWidget* const column = makeBox(GTK_ORIENTATION_VERTICAL, 0, {child});
   gtk_widget_set_layout_manager(
-      column, gtk_custom_layout_new(
-                  [](GtkWidget*) { return GTK_SIZE_REQUEST_HEIGHT_FOR_WIDTH; }, measureColumn,
-                  allocateColumn));
+      column, gtk_custom_layout_new([](GtkWidget*) { return GTK_SIZE_REQUEST_HEIGHT_FOR_WIDTH; },
+                                    measureColumn, allocateColumn));
+  return column;
+}
+
+GtkWidget* makeScroller(GtkWidget* child) {
   GtkWidget* const scroller = gtk_scrolled_window_new();
   gtk_scrolled_window_set_policy(GTK_SCROLLED_WINDOW(scroller), GTK_POLICY_NEVER,
                                  GTK_POLICY_AUTOMATIC);
-  gtk_scrolled_window_set_child(GTK_SCROLLED_WINDOW(scroller), column);
+  gtk_scrolled_window_set_child(GTK_SCROLLED_WINDOW(scroller), child);
+  gtk_widget_set_vexpand(scroller, TRUE);
   return scroller;
+}
+
+GtkWidget* makePage(std::initializer_list<GtkWidget*> children) {
+  constexpr int spacing = 16;
+  return makeScroller(makeColumn(makeBox(GTK_ORIENTATION_VERTICAL, spacing, children, "page")));
 }
 
 GtkWidget* makePicture(const std::string& item, int height) {

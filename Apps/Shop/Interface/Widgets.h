@@ -13,6 +13,8 @@ void onSignal(gpointer object, const char* signal, std::function<void()> handler
 
 /// Texts a page shows; several style classes are given as one text, with spaces between.
 GtkWidget* makeLabel(const std::string& text, const char* classes = "");
+/// A label that stays in one line, and is cut in its middle where there is no room.
+GtkWidget* makeWord(const std::string& text, const char* classes = "");
 /// As a heading for screen readers, too.
 GtkWidget* makeTitle(const std::string& text);
 void setText(GtkWidget* label, const std::string& text);
@@ -29,8 +31,12 @@ GtkWidget* makeBox(GtkOrientation orientation, int spacing,
 GtkWidget* makeRow(GtkWidget* start, GtkWidget* end, const char* classes = "");
 void removeChildren(GtkWidget* box);
 
-/// `child`, centred and no wider than a page of text should be, in a page that scrolls.
+/// `child`, centred and no wider than text should be.
 GtkWidget* makeColumn(GtkWidget* child);
+/// `child` in what scrolls up and down.
+GtkWidget* makeScroller(GtkWidget* child);
+/// A column of widgets that scrolls.
+GtkWidget* makePage(std::initializer_list<GtkWidget*> children);
 
 /// The picture of something on the menu.
 GtkWidget* makePicture(const std::string& item, int height);

@@ -74,6 +74,7 @@ class Robot:
         self._xdotool("windowmove", self.window, 0, 0)
         self._xdotool("windowfocus", self.window)
         self.wait("the window's size", lambda: self._geometry()[2:] == self.size)
+        self.wait("the first picture", lambda: len(set(self.pixels()[self.size[1] // 2])) > 2)
 
     def _environment(self, share):
         settings = self.home / "config" / "gtk-4.0"

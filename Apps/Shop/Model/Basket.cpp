@@ -21,9 +21,7 @@ void Basket::clear() {
   changed();
 }
 
-int Basket::count() const {
-  return std::accumulate(quantities_.begin(), quantities_.end(), 0);
-}
+int Basket::count() const { return std::accumulate(quantities_.begin(), quantities_.end(), 0); }
 
 Cents Basket::total() const {
   Cents sum = 0;
