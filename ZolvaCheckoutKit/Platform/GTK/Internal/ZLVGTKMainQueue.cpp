@@ -38,10 +38,11 @@ void ZLVGTKMainQueue::runNext(Blocks& blocks) noexcept {
     block = std::move(blocks.waiting.front());
     blocks.waiting.pop_front();
   }
-  if (!blocks.uncaughtException) return std::move(block)();
   try {
     std::move(block)();
   } catch (...) {
+    // Here, where the exception is at hand, the handler of std::terminate can tell which it was.
+    if (!blocks.uncaughtException) std::terminate();
     blocks.uncaughtException(std::current_exception());
   }
 }

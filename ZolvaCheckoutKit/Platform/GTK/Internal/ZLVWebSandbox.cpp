@@ -1,5 +1,7 @@
 #include <array>
+#include <filesystem>
 #include <string>
+#include <system_error>
 
 #include <glib.h>
 
@@ -9,7 +11,7 @@
 namespace {
 
 constexpr const char* sandboxSwitch = "WEBKIT_DISABLE_SANDBOX_THIS_IS_DANGEROUS";
-/// In there Flatpak makes the sandbox, not bubblewrap.
+/// Says that this is a Flatpak, which has a sandbox of its own.
 constexpr const char* flatpakMark = "/.flatpak-info";
 
 /// What WebKit asks of bubblewrap, in short.
@@ -28,8 +30,23 @@ constexpr std::array attempt{"bwrap",
                              "--unshare-net",
                              "true"};
 
+/// Whether this is a Flatpak.
+///
+/// WebKit leaves an empty mark in the real root directory when it runs as root, and from then on
+/// takes every process for a Flatpak and gives its pages no sandbox at all. So that goes.
+bool isFlatpak() {
+  std::error_code error;
+  const auto size = std::filesystem::file_size(flatpakMark, error);
+  if (error) return false;
+  if (size == 0) std::filesystem::remove(flatpakMark, error);
+  return size != 0;
+}
+
 /// Why the sandbox does not work; empty when it does.
 std::string problem() {
+  std::error_code ignored;
+  if (std::filesystem::exists(flatpakMark, ignored)) return std::string("remove ") + flatpakMark;
+
   std::array<char*, attempt.size() + 1> arguments{};
   // GLib takes the arguments as not const for C's sake and does not change them.
   for (std::size_t i = 0; i < attempt.size(); ++i) arguments[i] = const_cast<char*>(attempt[i]);
@@ -50,9 +67,7 @@ std::string problem() {
 }  // namespace
 
 void ZLVWebSandbox::prepare(ZLVSystemLog& log) {
-  if (g_getenv(sandboxSwitch) != nullptr || g_file_test(flatpakMark, G_FILE_TEST_EXISTS) != FALSE) {
-    return;
-  }
+  if (g_getenv(sandboxSwitch) != nullptr || isFlatpak()) return;
   auto reason = problem();
   if (reason.empty()) return;
   for (char& c : reason) {

@@ -65,6 +65,8 @@ void ZLVWindowCover::disableTitlebar(GtkWidget* widget) {
 }
 
 void ZLVWindowCover::uncover(GtkWindow* window) {
+  // While the content is still in there: it would stay disabled otherwise.
+  gtk_widget_set_sensitive(underneath_.get(), TRUE);
   const auto content =
       ZLVGObject<GtkWidget>::retain(gtk_overlay_get_child(GTK_OVERLAY(underneath_.get())));
   gtk_overlay_set_child(GTK_OVERLAY(underneath_.get()), nullptr);
@@ -74,7 +76,12 @@ void ZLVWindowCover::uncover(GtkWindow* window) {
   if (isInside(defaultWidget.get(), window)) {
     gtk_window_set_default_widget(window, defaultWidget.get());
   }
-  // Not by grabbing it, which would select the text of an entry.
   const auto focus = focus_.lock();
-  if (isInside(focus.get(), window)) gtk_window_set_focus(window, focus.get());
+  if (!isInside(focus.get(), window)) return;
+  if (GTK_IS_TEXT(focus.get())) {
+    // The other way would select the text, for the next key to replace.
+    gtk_text_grab_focus_without_selecting(GTK_TEXT(focus.get()));
+  } else {
+    gtk_widget_grab_focus(focus.get());
+  }
 }

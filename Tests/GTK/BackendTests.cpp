@@ -1,0 +1,160 @@
+// The ports that have no window: the main queue, the device's facts, the sandbox of the web engine.
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <stdexcept>
+#include <thread>
+
+#include <ZolvaCheckoutKit/Core/Checkout/ZLVWebViewController.h>
+#include <ZolvaCheckoutKit/Platform/GTK/Internal/ZLVGTKMainQueue.h>
+#include <ZolvaCheckoutKit/Platform/GTK/Internal/ZLVWebSandbox.h>
+
+#include "Tests/GTK/Host.h"
+
+namespace {
+
+TEST(MainQueue, RunsBlocksLaterInOrderOnTheMainThread) {
+  ZLVGTKMainQueue queue;
+  std::vector<int> order;
+  const auto mainThread = std::this_thread::get_id();
+  const auto add = [&](int number) {
+    queue.dispatch([&, number] {
+      EXPECT_EQ(std::this_thread::get_id(), mainThread);
+      order.push_back(number);
+    });
+  };
+  add(1);
+  queue.dispatch([&] {
+    add(4);
+    EXPECT_EQ(order.size(), 1U);
+    // A block that runs a loop of its own, as a dialog does, holds no other up.
+    EXPECT_TRUE(waitFor([&] { return order.size() == 4; }));
+  });
+  std::thread([&] {
+    add(2);
+    add(3);
+  }).join();
+  EXPECT_TRUE(order.empty());
+  ASSERT_TRUE(waitFor([&] { return order.size() == 4; }));
+  EXPECT_EQ(order, (std::vector{1, 2, 3, 4}));
+}
+
+TEST(MainQueue, PassesExceptionsOnAndStaysUsable) {
+  std::string caught;
+  {
+    ZLVGTKMainQueue queue([&](std::exception_ptr exception) {
+      try {
+        std::rethrow_exception(exception);
+      } catch (const std::exception& error) {
+        caught += error.what();
+      }
+    });
+    for (const char* text : {"a", "b"}) {
+      queue.dispatch([text] { throw std::runtime_error(text); });
+    }
+    ASSERT_TRUE(waitFor([&] { return caught == "ab"; }));
+  }
+  EXPECT_DEATH(
+      {
+        ZLVGTKMainQueue queue;
+        queue.dispatch([] { throw std::runtime_error("nobody catches this"); });
+        waitFor([] { return false; });
+      },
+      "nobody catches this");
+}
+
+TEST(MainQueue, DestroysWhatNeverRan) {
+  auto held = std::make_shared<int>();
+  {
+    ZLVGTKMainQueue queue;
+    queue.dispatch([held] { FAIL(); });
+  }
+  EXPECT_EQ(held.use_count(), 1);
+  while (g_main_context_iteration(nullptr, FALSE) != FALSE) {
+  }
+}
+
+TEST(Device, KnowsScreenAndLanguages) {
+  g_setenv("LANGUAGE", "de_CH:fr", TRUE);
+  Host host;
+  const auto& device = *ZLVPlatform::installed("test").device;
+  EXPECT_EQ(device.mainScreenSize(), std::nullopt);
+  host.run([&] {
+    std::thread([&] { EXPECT_EQ(device.mainScreenSize(), (ZLVSize{1280, 800})); }).join();
+    EXPECT_EQ(device.preferredLanguages(), (std::vector<std::string>{"de_CH", "de", "fr"}));
+    EXPECT_EQ(device.bundleShortVersion(), "1");
+  });
+}
+
+TEST(ViewControllers, AreTheWindowsOwnAndFormATree) {
+  Host host;
+  const auto root = [] {
+    return ZLVPlatform::installed("test").userInterface->keyWindowRootViewController();
+  };
+  std::weak_ptr<ZLVViewController> gone;
+  host.run([&] {
+    EXPECT_EQ(root(), nullptr);
+    const auto page = host.viewController();
+    EXPECT_EQ(host.viewController(), page);
+    EXPECT_EQ(root(), page);
+    {
+      const auto navigation = std::make_shared<ZLVNavigationController>();
+      navigation->pushViewController(page);
+      EXPECT_EQ(root(), navigation);
+      // A page of the host's own making in the same tree belongs to the window, too.
+      const auto detail = std::make_shared<ZLVViewController>();
+      navigation->pushViewController(detail);
+      int ended = 0;
+      detail->presentViewController(
+          ZLVWebViewController::initWithURL(*ZLVURL::URLWithString("http://127.0.0.1/"),
+                                            [&] { ++ended; }),
+          false);
+      EXPECT_NE(host.webView(), nullptr);
+      ZLVClient::initWithMerchantServerURL("http://127.0.0.1", "M-1", Host::callbackURL, false);
+      ZLVClient::handleCallbackUrl(*ZLVURL::URLWithString(Host::callbackURL));
+      EXPECT_EQ(ended, 1);
+    }
+    EXPECT_EQ(root(), page);
+    gone = page;
+  });
+  gtk_window_destroy(host.window());
+  EXPECT_TRUE(gone.expired());
+}
+
+struct Log : ZLVSystemLog {
+  void log(std::string_view line) override { lines.emplace_back(line); }
+  std::vector<std::string> lines;
+};
+
+constexpr const char* sandboxSwitch = "WEBKIT_DISABLE_SANDBOX_THIS_IS_DANGEROUS";
+
+TEST(WebSandbox, IsGivenUpWithOneLineWhereItCannotWork) {
+  g_unsetenv(sandboxSwitch);
+  const auto directory = std::filesystem::path(g_get_home_dir()) / "bin";
+  const auto program = directory / "bwrap";
+  create_directory(directory);
+  std::ofstream(program) << "#!/bin/sh\necho 'No permissions to create\na namespace' >&2\nexit 1\n";
+  permissions(program, std::filesystem::perms::owner_all);
+  g_setenv("PATH", (directory.string() + ':' + g_getenv("PATH")).c_str(), TRUE);
+  Log log;
+  ZLVWebSandbox::prepare(log);
+  ZLVWebSandbox::prepare(log);
+  ASSERT_EQ(log.lines.size(), 1U);
+  EXPECT_NE(log.lines[0].find("No permissions to create a namespace"), std::string::npos);
+  EXPECT_STREQ(g_getenv(sandboxSwitch), "1");
+}
+
+TEST(WebSandbox, StaysWhereItWorks) {
+  if (std::system("bwrap --ro-bind / / true") != 0) {
+    GTEST_SKIP() << "bubblewrap does not work here";
+  }
+  g_unsetenv(sandboxSwitch);
+  Log log;
+  ZLVWebSandbox::prepare(log);
+  EXPECT_TRUE(log.lines.empty());
+  EXPECT_EQ(g_getenv(sandboxSwitch), nullptr);
+}
+
+}  // namespace

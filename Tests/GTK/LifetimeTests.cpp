@@ -1,0 +1,1 @@
+#include "Tests/GTK/Host.h"
