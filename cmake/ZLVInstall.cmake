@@ -5,14 +5,16 @@ include(GNUInstallDirs)
 set(ZLV_PACKAGE_DIR ${CMAKE_INSTALL_LIBDIR}/cmake/ZolvaCheckoutKit)
 set(ZLV_PKG_CONFIG_DIR ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
 
-# zlv_install(COMPONENT [REQUIRES component...] [PACKAGES package...] [PKG_CONFIG module...]):
-# installs the library ZolvaCheckoutKit::COMPONENT. REQUIRES names the components that its headers
-# use; PACKAGES (for CMake) and PKG_CONFIG name what a static library leaves its user to link.
+# zlv_install(COMPONENT [REQUIRES component...] [PACKAGES package...] [PKG_CONFIG module...]
+# [IMPORTED prefix]): installs the library ZolvaCheckoutKit::COMPONENT. REQUIRES names the components
+# that its headers use; PACKAGES (for CMake) and PKG_CONFIG name what a static library leaves its
+# user to link, and IMPORTED what pkg_check_modules calls those modules where CMake has no package.
 function(zlv_install component)
-  cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "REQUIRES;PACKAGES;PKG_CONFIG")
+  cmake_parse_arguments(PARSE_ARGV 1 arg "" "IMPORTED" "REQUIRES;PACKAGES;PKG_CONFIG")
   if(BUILD_SHARED_LIBS)
     unset(arg_PACKAGES)
     unset(arg_PKG_CONFIG)
+    unset(arg_IMPORTED)
   endif()
 
   get_target_property(target ZolvaCheckoutKit::${component} ALIASED_TARGET)
