@@ -31,6 +31,7 @@ BasketPage::Line BasketPage::makeLine(std::size_t item) {
   };
   Line line{};
   line.quantity = makeWord("", "figure");
+  gtk_label_set_xalign(GTK_LABEL(line.quantity), 0.5F);
   gtk_label_set_width_chars(GTK_LABEL(line.quantity), 2);
   line.price = makeLabel("", "quiet small");
   line.row =

@@ -41,6 +41,7 @@ GtkWidget* MenuPage::makeCard(std::size_t item) {
   const auto& [id, name, description, category, price] = ShopMenu[item];
   constexpr int pictureHeight = 104;
   GtkWidget* const badge = makeWord("", "badge");
+  gtk_label_set_xalign(GTK_LABEL(badge), 0.5F);
   gtk_widget_set_halign(badge, GTK_ALIGN_END);
   gtk_widget_set_valign(badge, GTK_ALIGN_START);
   GtkWidget* const picture = gtk_overlay_new();

@@ -10,7 +10,8 @@ constexpr int ColumnWidth = 440;
 
 void measureColumn(GtkWidget* widget, GtkOrientation orientation, int size, int* minimum,
                    int* natural, int* minimumBaseline, int* naturalBaseline) {
-  if (orientation == GTK_ORIENTATION_VERTICAL) size = std::min(size, ColumnWidth);
+  if (orientation == GTK_ORIENTATION_VERTICAL && (size < 0 || size > ColumnWidth))
+    size = ColumnWidth;
   gtk_widget_measure(gtk_widget_get_first_child(widget), orientation, size, minimum, natural,
                      minimumBaseline, naturalBaseline);
   if (orientation == GTK_ORIENTATION_HORIZONTAL) *natural = std::max(*minimum, ColumnWidth);

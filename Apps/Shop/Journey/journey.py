@@ -2,6 +2,9 @@
 
 import argparse
 import json
+import os
+import pathlib
+import shutil
 import sys
 import urllib.request
 
@@ -152,6 +155,14 @@ def run(robot):
     expect(robot, "files left behind", robot.leftovers(), [])
 
 
+def become_ordinary(output):
+    nobody = 65534
+    os.chown(output, nobody, nobody)
+    os.setgroups([])
+    os.setgid(nobody)
+    os.setuid(nobody)
+
+
 def main():
     parser = argparse.ArgumentParser(description=__doc__)
     parser.add_argument("program", help="the corner-coffee to use")
@@ -159,7 +170,12 @@ def main():
     parser.add_argument("--size", default="360x640", help="of the screen, WIDTHxHEIGHT")
     parser.add_argument("--dark", action="store_true", help="in the dark style")
     parser.add_argument("--window-manager", action="store_true", help="with openbox")
+    parser.add_argument("--ordinary-user", action="store_true", help="not as root")
     options = parser.parse_args()
+    shutil.rmtree(options.output, ignore_errors=True)
+    pathlib.Path(options.output).mkdir(parents=True)
+    if options.ordinary_user and os.getuid() == 0:
+        become_ordinary(options.output)
     size = tuple(map(int, options.size.split("x")))
     try:
         with Robot(options.program, options.output, size, options.dark,

@@ -5,9 +5,7 @@ import os
 import pathlib
 import re
 import shutil
-import signal
 import subprocess
-import sys
 import tempfile
 import threading
 import time
@@ -36,7 +34,7 @@ class Robot:
         self.lines, self.news = [], threading.Condition()
         self.shots = 0
         self.processes = []
-        self.transcript = open(self.output / "transcript.txt", "a", encoding="utf-8")
+        self.transcript = open(self.output / "transcript.txt", "w", encoding="utf-8")
         try:
             self._start(program, window_manager, arguments)
         except BaseException:
@@ -54,7 +52,7 @@ class Robot:
     def _start(self, program, window_manager, arguments):
         program = pathlib.Path(program).resolve()
         environment = self._environment(program.parent / "share")
-        self.errors = open(self.output / "errors.txt", "ab")
+        self.errors = open(self.output / "errors.txt", "wb")
         display = self._announced(
             ["Xvfb", "-displayfd", "{fd}", "-screen", "0", "%dx%dx24" % self.size,
              "-nolisten", "tcp", "-noreset"], environment)
@@ -83,6 +81,9 @@ class Robot:
             "[Settings]\ngtk-enable-animations=0\ngtk-cursor-blink=0\n"
             "gtk-font-name=Cantarell 11\n"
             f"gtk-application-prefer-dark-theme={int(self.dark)}\n")
+        # As on a screen that a window fills; the border is for the mouse to pull at.
+        (settings / "gtk.css").write_text(
+            "window.solid-csd { padding: 0; border: none; box-shadow: none; }\n")
         folders = {"HOME": "home", "XDG_CONFIG_HOME": "config", "XDG_CACHE_HOME": "cache",
                    "XDG_DATA_HOME": "data", "XDG_RUNTIME_DIR": "run"}
         environment = {name: value for name, value in os.environ.items()
@@ -289,9 +290,9 @@ class Robot:
 
         return self.wait("the wallet's page", at_rest)
 
-    def screenshot(self, name, path=None):
+    def screenshot(self, name):
         self.shots += 1
-        path = path or self.output / f"{self.shots:02}-{name}.png"
+        path = self.output / f"{self.shots:02}-{name}.png"
         self._xdotool("mousemove", *self.size)
 
         picture = [None, self.pixels()]
@@ -304,10 +305,11 @@ class Robot:
             self.wait("a still picture", still)
         subprocess.run(["import", "-window", "root", "-strip", str(path)], check=True)
         self.tell(f"  screenshot {path}")
+        return path
 
     def leftovers(self):
         """What the shop left in its home, the toolkit's own things aside."""
-        own = ("gtk-4.0/settings.ini", "mesa_shader_cache", "dconf", "at-spi", "fontconfig",
-               "dbus-1", "gvfs", "bwrapinfo.json")
+        own = ("config/gtk-4.0", "mesa_shader_cache", "dconf", "at-spi", "fontconfig",
+               "dbus-1", "gvfs", "bwrapinfo.json", "openbox.log")
         return [str(path) for path in self.home.rglob("*")
                 if path.is_file() and not any(part in str(path) for part in own)]

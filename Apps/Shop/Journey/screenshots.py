@@ -1,0 +1,72 @@
+"""The pictures in Docs: the shop on a phone and on a desktop, light and dark."""
+
+import argparse
+import multiprocessing
+import pathlib
+import subprocess
+import sys
+import tempfile
+
+from journey import completes, confirm, order
+from robot import Robot, Stuck
+
+PHONE, DESKTOP = (360, 640), (1280, 800)
+
+
+def take(program, folder, size, dark):
+    """The pictures of one way from the menu to the receipt."""
+    with Robot(program, folder, size, dark) as robot:
+        for thing in ("Cappuccino", "Cold brew"):
+            robot.click(f"Add {thing}")
+        pictures = [robot.screenshot("menu")]
+        order(robot)
+        robot.click("Phone number", "text")
+        robot.type("81234567890")
+        pictures.append(robot.screenshot("link"))
+        robot.click("Link wallet")
+        robot.page()
+        pictures.append(robot.screenshot("browser"))
+        completes(robot, "link", lambda: confirm(robot))
+        robot.see("Your wallet")
+        pictures.append(robot.screenshot("wallet"))
+        robot.click("Pay €7.80")
+        robot.see("Thank you!")
+        pictures.append(robot.screenshot("receipt"))
+        return pictures
+
+
+def save(pictures, path):
+    """One picture of several side by side, in few colours."""
+    gap = "+0+0" if len(pictures) == 1 else "+8+8"
+    sheet = subprocess.run(
+        ["montage", *pictures, "-tile", f"{len(pictures)}x1", "-geometry", gap,
+         "-background", "#8f8579", "png:-"], check=True, stdout=subprocess.PIPE).stdout
+    small = subprocess.run(["pngquant", "--speed", "1", "--strip", "-"], input=sheet, check=True,
+                           stdout=subprocess.PIPE).stdout
+    path.write_bytes(small)
+    print(path)
+
+
+def main():
+    parser = argparse.ArgumentParser(description=__doc__)
+    parser.add_argument("program", help="the corner-coffee to use")
+    parser.add_argument("docs", type=pathlib.Path, help="the folder to leave the pictures in")
+    options = parser.parse_args()
+    # What reads the widgets knows one session bus for each process.
+    with tempfile.TemporaryDirectory() as folder, \
+            multiprocessing.Pool(1, maxtasksperchild=1) as once:
+        for dark, style in ((False, "light"), (True, "dark")):
+            work = pathlib.Path(folder) / style
+            save(once.apply(take, (options.program, work / "phone", PHONE, dark)),
+                 options.docs / f"shop-phone-{style}.png")
+            menu, _, browser, *_ = once.apply(
+                take, (options.program, work / "desktop", DESKTOP, dark))
+            save([menu], options.docs / f"shop-desktop-{style}.png")
+            save([browser], options.docs / f"shop-desktop-browser-{style}.png")
+
+
+if __name__ == "__main__":
+    try:
+        main()
+    except Stuck as problem:
+        sys.exit(f"screenshots: {problem}")
