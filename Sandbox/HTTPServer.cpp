@@ -22,7 +22,7 @@ constexpr std::uint64_t LargestPiece = 64U << 10U;
 /// An answer as the bytes that travel: a text and, after it, as many spaces as make up the size.
 class Wire {
  public:
-  Wire(ZLVHTTPServer::Reply reply, bool isHead, bool isKeptAlive) {
+  Wire(ZLVHTTPServer::Reply&& reply, bool isHead, bool isKeptAlive) {
     auto& [answer, misbehaviour] = reply;
     const unsigned status = answer.status;
     const std::uint64_t bodySize = misbehaviour.bodySize.value_or(answer.body.size());
@@ -35,7 +35,9 @@ class Wire {
     text_ = "HTTP/1.1 " + std::to_string(status) + " ";
     text_ += http::obsolete_reason(http::int_to_status(status));
     text_ += "\r\n";
-    for (const auto& [name, value] : answer.headers) text_ += name + ": " + value + "\r\n";
+    for (const auto& [name, value] : answer.headers) {
+      text_.append(name).append(": ").append(value).append("\r\n");
+    }
     text_ += "\r\n";
     bodyStart_ = size_ = text_.size();
     if (bodyless || isHead) return;

@@ -32,7 +32,7 @@ class ZLVJSONForm {
   double positive(std::string_view path);
   /// The number of elements of the list there.
   std::size_t count(std::string_view path);
-  bool has(std::string_view path) const { return find(path) != nullptr; }
+  [[nodiscard]] bool has(std::string_view path) const { return find(path) != nullptr; }
 
   void require(bool condition, std::string problem);
   /// What is wrong so far, in the order of reading.

@@ -57,7 +57,8 @@ class ZLVMerchant {
 
   /// The four calls; the second argument is the account's id where the path names one.
   ZLVSandboxAnswer link(const ZLVSandboxRequest& request, std::string_view);
-  ZLVSandboxAnswer enquire(const ZLVSandboxRequest& request, std::string_view accountID) const;
+  [[nodiscard]] ZLVSandboxAnswer enquire(const ZLVSandboxRequest& request,
+                                         std::string_view accountID) const;
   ZLVSandboxAnswer unbind(const ZLVSandboxRequest& request, std::string_view accountID);
   ZLVSandboxAnswer charge(const ZLVSandboxRequest& request, std::string_view);
 

@@ -82,8 +82,8 @@ class ZLVSandbox {
   /// Every analytics record so far, in the order of arrival.
   [[nodiscard]] std::vector<ZLVSandboxEvent> events() const;
   /// Waits until there are that many; false when `timeout` passes first.
-  bool waitForRequests(std::size_t count, std::chrono::milliseconds timeout) const;
-  bool waitForEvents(std::size_t count, std::chrono::milliseconds timeout) const;
+  [[nodiscard]] bool waitForRequests(std::size_t count, std::chrono::milliseconds timeout) const;
+  [[nodiscard]] bool waitForEvents(std::size_t count, std::chrono::milliseconds timeout) const;
 
  private:
   struct Implementation;

@@ -55,7 +55,7 @@ class Demo {
   }
 
  private:
-  ConsoleOptions pointAtSandbox(ConsoleOptions options) const {
+  [[nodiscard]] ConsoleOptions pointAtSandbox(ConsoleOptions options) const {
     options.server = sandbox_.baseURL();
     options.analyticsRoot = sandbox_.baseURL() + "/";
     return options;

@@ -120,7 +120,7 @@ class Writer {
  public:
   explicit Writer(ZLVJSONSerialization::Unwritable unwritable) : unwritable_(unwritable) {}
 
-  std::string text;
+  std::string takeText() { return std::move(text_); }
 
   bool write(const ZLVValue& value) {
     using Kind = ZLVValue::Kind;
@@ -152,7 +152,7 @@ class Writer {
 
  private:
   bool put(std::string_view piece) {
-    text += piece;
+    text_ += piece;
     return true;
   }
   bool writeUnwritable() {
@@ -169,17 +169,18 @@ class Writer {
   }
   template <class List, class WriteItem>
   bool writeList(char open, const List& list, char close, WriteItem writeItem) {
-    text += open;
+    text_ += open;
     bool isFirst = true;
     for (const auto& item : list) {
-      if (!std::exchange(isFirst, false)) text += ',';
+      if (!std::exchange(isFirst, false)) text_ += ',';
       if (!writeItem(item)) return false;
     }
-    text += close;
+    text_ += close;
     return true;
   }
 
   ZLVJSONSerialization::Unwritable unwritable_;
+  std::string text_;
 };
 
 }  // namespace
@@ -204,7 +205,7 @@ std::optional<std::string> ZLVJSONSerialization::dataWithJSONObject(const ZLVVal
                                                                     Unwritable unwritable) {
   Writer writer(unwritable);
   if (!writer.write(value)) return std::nullopt;
-  return std::move(writer.text);
+  return writer.takeText();
 }
 
 ZLVError ZLVJSONSerialization::notAnObjectError() {

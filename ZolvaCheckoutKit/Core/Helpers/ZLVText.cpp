@@ -75,6 +75,6 @@ std::string ZLVOneLine(std::string_view text) {
 
 std::string ZLVDecimalText(double number) {
   std::array<char, 32> buffer{};
-  const auto end = std::to_chars(buffer.data(), buffer.data() + buffer.size(), number).ptr;
+  auto* const end = std::to_chars(buffer.data(), buffer.data() + buffer.size(), number).ptr;
   return {buffer.data(), end};
 }

@@ -98,10 +98,11 @@ ZLVNetwork& ZLVNetwork::shared() {
 ZLVNetwork::ZLVNetwork() : session_(ZLVPlatform::installed("ZLVNetwork").makeURLSession()) {}
 
 void ZLVNetwork::request(std::shared_ptr<const ZLVNetworkService> service,
-                         Completion::Handler handler) {
+                         Completion::Handler completion) {
   auto request = ZLVRequestBuilder::buildRequestFrom(*service);
   auto respond = [service = std::move(service), request,
-                  completion = Completion(std::move(handler))](ZLVURLAnswer answer) mutable {
+                  completion =
+                      Completion(std::move(completion))](const ZLVURLAnswer& answer) mutable {
     if (ZLVVendor::shared().isLoggingEnabled() &&
         service->serviceType() == ZLVServiceTypeMerchant) {
       logExchange(request, answer);
