@@ -10,6 +10,9 @@
 
 namespace {
 
+/// Less than any libcurl accepts, so that all of them refuse the same.
+constexpr std::size_t maximumHeaderSize = std::size_t{256} * 1024;
+
 ZLVCurlTransfer::Clock::duration interval(double seconds) {
   // Within what the clock can count; a value that is no number becomes the least.
   const std::chrono::duration<double> bounded(std::min(std::max(0.001, seconds), 1e8));
@@ -37,10 +40,16 @@ std::string line(const std::pair<std::string, std::string>& header) {
 
 /// What libcurl calls while it works on the handle.
 struct ZLVCurlTransfer::Callbacks {
-  static std::size_t header(const char* /*line*/, std::size_t /*one*/, std::size_t size,
-                            void* self) {
-    static_cast<ZLVCurlTransfer*>(self)->lastProgress_ = Clock::now();
-    return size;
+  /// Called for each line, trailers and answers that only announce another one included.
+  static std::size_t header(const char* bytes, std::size_t /*one*/, std::size_t size, void* self) {
+    auto& transfer = *static_cast<ZLVCurlTransfer*>(self);
+    transfer.lastProgress_ = Clock::now();
+    const std::string_view line(bytes, size);
+    if (line.starts_with("HTTP/")) transfer.isHeaderWhole_ = false;
+    if (line == "\r\n" || line == "\n") transfer.isHeaderWhole_ = true;
+    transfer.headerSize_ += size;
+    transfer.isTooLarge_ = transfer.headerSize_ > maximumHeaderSize;
+    return transfer.isTooLarge_ ? 0 : size;
   }
 
   static std::size_t write(const char* bytes, std::size_t /*one*/, std::size_t size, void* self) {
@@ -58,7 +67,10 @@ struct ZLVCurlTransfer::Callbacks {
     if (std::exchange(transfer.bytesMoved_, received + sent) != received + sent) {
       transfer.lastProgress_ = Clock::now();
     }
-    return 0;
+    // What is received may be compressed, and come to nothing.
+    const auto allowed = transfer.configuration_->maximumAnswerSize;
+    if (static_cast<std::size_t>(received) > allowed) transfer.isTooLarge_ = true;
+    return transfer.isTooLarge_ ? 1 : 0;
   }
 
   /// Asked before each time that the request is sent.
@@ -104,7 +116,7 @@ bool ZLVCurlTransfer::continueAfter(CURLcode result) {
   curl_easy_getinfo(handle(), CURLINFO_RESPONSE_CODE, &status);
   curl_header* location = nullptr;
   const bool isRedirected =
-      result == CURLE_OK && ZLVHTTPHop::isRedirect(status) &&
+      result == CURLE_OK && isHeaderWhole_ && ZLVHTTPHop::isRedirect(status) &&
       curl_easy_header(handle(), "Location", 0, CURLH_HEADER, -1, &location) == CURLHE_OK;
   if (!isRedirected) {
     conclude(result);
@@ -122,6 +134,8 @@ bool ZLVCurlTransfer::continueAfter(CURLcode result) {
 
 bool ZLVCurlTransfer::prepare() {
   answer_ = {};
+  headerSize_ = 0;
+  isHeaderWhole_ = false;
   isSent_ = false;
   if (const auto code = refusal()) {
     fail(*code);
@@ -227,19 +241,22 @@ void ZLVCurlTransfer::setHopOptions() {
 }
 
 void ZLVCurlTransfer::conclude(CURLcode result) {
+  if (isTooLarge_) return fail(NSURLErrorDataLengthExceedsMaximum);
+  // libcurl takes a header that breaks off between two lines for a whole one.
+  if (result == CURLE_OK && !isHeaderWhole_) return fail(NSURLErrorNetworkConnectionLost);
   if (result == CURLE_OK) {
     long status = 0;
     curl_easy_getinfo(handle(), CURLINFO_RESPONSE_CODE, &status);
     answer_.statusCode = static_cast<int>(status);
-  } else if (isTooLarge_) {
-    fail(NSURLErrorDataLengthExceedsMaximum);
-  } else {
-    const std::string message = isLost_                 ? "the request was not sent again"
-                                : message_.front() != 0 ? message_.data()
-                                                        : curl_easy_strerror(result);
-    fail(isLost_ ? NSURLErrorNetworkConnectionLost : ZLVTransportError::code(result, handle()),
-         "libcurl " + std::to_string(result) + ": " + message);
+    return;
   }
+  auto code = isLost_ ? NSURLErrorNetworkConnectionLost : ZLVTransportError::code(result, handle());
+  // Lost on the way to a server behind a proxy.
+  if (code == NSURLErrorNetworkConnectionLost && !isSent_) code = NSURLErrorCannotConnectToHost;
+  const std::string message = isLost_                 ? "the request was not sent again"
+                              : message_.front() != 0 ? message_.data()
+                                                      : curl_easy_strerror(result);
+  fail(code, "libcurl " + std::to_string(result) + ": " + message);
 }
 
 void ZLVCurlTransfer::fail(NSURLError code, const std::string& underlying) {

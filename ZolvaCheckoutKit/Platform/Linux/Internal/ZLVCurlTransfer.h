@@ -80,6 +80,8 @@ class ZLVCurlTransfer {
   bool isSent_ = false;  // this hop
   bool isLost_ = false;  // libcurl wanted to send this hop again
   bool isTooLarge_ = false;
+  bool isHeaderWhole_ = false;
+  std::size_t headerSize_ = 0;
   std::array<char, CURL_ERROR_SIZE> message_{};
   std::unique_ptr<curl_slist, Cleanup> headers_;
   std::unique_ptr<CURL, Cleanup> handle_;

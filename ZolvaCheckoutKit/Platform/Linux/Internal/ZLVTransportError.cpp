@@ -75,6 +75,7 @@ constexpr auto meanings = std::to_array<Meaning>({
     {CURLE_WEIRD_SERVER_REPLY, any, NSURLErrorBadServerResponse},
     {CURLE_HTTP2, any, NSURLErrorNetworkConnectionLost},
     {CURLE_HTTP2_STREAM, any, NSURLErrorNetworkConnectionLost},
+    {CURLE_OUT_OF_MEMORY, any, NSURLErrorDataLengthExceedsMaximum},  // a header line without end
     {CURLE_PARTIAL_FILE, any, NSURLErrorNetworkConnectionLost},
     {CURLE_GOT_NOTHING, any, NSURLErrorNetworkConnectionLost},
     {CURLE_SEND_ERROR, any, NSURLErrorNetworkConnectionLost},
