@@ -3,8 +3,10 @@
 #include <csignal>
 #include <cstdlib>
 #include <stdexcept>
+#include <utility>
 
 #include <netinet/in.h>
+#include <poll.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
@@ -18,19 +20,31 @@ struct RawServer::Connection {
     return static_cast<int>(recv(socket, bytes, static_cast<std::size_t>(size), 0));
   }
 
-  void write(const std::string& bytes) const {
+  bool write(const std::string& bytes) const {
     for (std::size_t done = 0; done < bytes.size();) {
       const auto left = bytes.size() - done;
       const auto sent = tls ? SSL_write(tls.get(), &bytes[done], static_cast<int>(left))
                             : send(socket, &bytes[done], left, MSG_NOSIGNAL);
-      if (sent <= 0) return;
+      if (sent <= 0) return false;
       done += static_cast<std::size_t>(sent);
     }
+    return true;
+  }
+
+  /// Waits for the client to hang up; whether it has not.
+  bool isWanted(std::chrono::milliseconds patience) const {
+    pollfd event{socket, POLLRDHUP, 0};
+    return poll(&event, 1, static_cast<int>(patience.count())) == 0;
   }
 
   /// Moves one request from `buffer`, filled from the connection, to `request`.
   bool readRequest(std::string& buffer, std::string& request) const {
+    constexpr char handshake = 0x16;
     for (char bytes[4096];;) {
+      if (buffer.starts_with(handshake)) {
+        request = std::exchange(buffer, {});
+        return true;
+      }
       const auto head = buffer.find("\r\n\r\n");
       if (head != std::string::npos) {
         const auto field = buffer.find("Content-Length: ");
@@ -126,6 +140,10 @@ void RawServer::serve(Connection& connection) {
     }
     const Reply reply = script_(request);
     connection.write(reply.bytes);
+    if (!reply.repeated.empty()) {
+      while (connection.write(reply.repeated) && connection.isWanted(reply.pause)) {
+      }
+    }
     then = reply.then;
   }
   if (then == Then::Stall) return;

@@ -4,6 +4,7 @@
 // about the connection.
 
 #include <atomic>
+#include <chrono>
 #include <functional>
 #include <list>
 #include <memory>
@@ -43,8 +44,12 @@ class RawServer {
   struct Reply {
     std::string bytes;
     Then then = Then::Keep;
+    /// Follows again and again, with a pause after each time, until the client hangs up.
+    std::string repeated = {};
+    std::chrono::milliseconds pause{0};
   };
-  /// Answers one request, given as its head and body; runs on the connection's thread.
+  /// Answers one request, given as its head and body, or the first bytes of a TLS client that this
+  /// server does not understand; runs on the connection's thread.
   using Script = std::function<Reply(const std::string& request)>;
 
   /// Speaks TLS when `context` is given.
