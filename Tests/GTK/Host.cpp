@@ -133,13 +133,18 @@ std::shared_ptr<ZLVViewController> Host::viewController() const {
   return ZLVGTKPlatform::viewControllerForWindow(window_);
 }
 
-void Host::present(const std::string& url, int* ended) {
-  viewController()->presentViewController(
-      ZLVWebViewController::initWithURL(*ZLVURL::URLWithString(url),
-                                        [ended] {
-                                          if (ended != nullptr) ++*ended;
-                                        }),
-      true);
+void Host::present(const std::string& url, int* ended) const {
+  present(viewController(), url, ended);
+}
+
+void Host::present(const std::shared_ptr<ZLVViewController>& presenter, const std::string& url,
+                   int* ended) {
+  presenter->presentViewController(ZLVWebViewController::initWithURL(
+                                       *ZLVURL::URLWithString(url),
+                                       [ended] {
+                                         if (ended != nullptr) ++*ended;
+                                       }),
+                                   true);
 }
 
 bool Host::waitUntilClosed() const {

@@ -45,8 +45,11 @@ class Host {
   /// The URLs handed to other applications so far. The callback URL is handled as a host would.
   [[nodiscard]] const std::vector<std::string>& openedURLs() const { return openedURLs_; }
 
-  /// Shows a page in a browser; `ended` counts how often its controller was destroyed.
-  void present(const std::string& url, int* ended = nullptr);
+  /// Shows a page in a browser, over the window's view controller or another; `ended` counts how
+  /// often the browser's controller was destroyed.
+  void present(const std::string& url, int* ended = nullptr) const;
+  static void present(const std::shared_ptr<ZLVViewController>& presenter, const std::string& url,
+                      int* ended);
   /// Waits until nothing is presented any more and the engine's processes are gone.
   [[nodiscard]] bool waitUntilClosed() const;
 

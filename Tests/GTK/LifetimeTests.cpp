@@ -1,1 +1,198 @@
+// However a browser ends, the host learns of it once and nothing stays behind.
+
+#include <gtest/gtest.h>
+
+#include <fstream>
+
+#include <ZolvaCheckoutKit/Platform/GTK/Internal/ZLVGObject.h>
+
 #include "Tests/GTK/Host.h"
+#include "Tests/Support/RawServer.h"
+
+namespace {
+
+RawServer::Reply page(const std::string& body) {
+  return {RawServer::response("<!doctype html><style>* { display: block }</style>" + body, "200 OK",
+                              "Content-Type: text/html\r\n")};
+}
+
+/// A merchant's server that wants every account activated on the page `path`, and that page.
+class Merchant {
+ public:
+  explicit Merchant(std::string path) : path_(std::move(path)) {}
+
+  [[nodiscard]] std::string url() const { return server_.url(""); }
+  [[nodiscard]] bool hasServed(const std::string& start) const {
+    for (const auto& request : server_.requests()) {
+      if (request.starts_with(start)) return true;
+    }
+    return false;
+  }
+
+ private:
+  RawServer::Reply answer(const std::string& request) const {
+    if (request.starts_with("POST /v2/pay/account ")) {
+      return {RawServer::response(R"({"status_code": "201", "actions": [
+          {"name": "activation-deeplink", "url": ")" + url() + path_ + "\"}]}")};
+    }
+    if (request.starts_with("POST /1/upload")) return {RawServer::response("{}")};
+    if (request.starts_with("GET /stall")) return {"", RawServer::Then::Stall};
+    return page("<p>page</p><a href=zolvatest://done>return</a>"
+                "<button id=close onclick='window.close()'>close</button>"
+                "<button id=alert onclick='while (true) alert(1)'>alert</button>"
+                "<button id=hang onclick='while (true);'>hang</button>");
+  }
+
+  std::string path_;
+  RawServer server_{[this](const std::string& request) { return answer(request); }};
+};
+
+struct Ending {
+  const char* name;
+  std::function<void(Host& host)> end;
+  const char* path = "/page";
+};
+
+void PrintTo(const Ending& ending, std::ostream* stream) { *stream << ending.name; }
+
+void callBack(Host& /*host*/) {
+  ZLVClient::handleCallbackUrl(*ZLVURL::URLWithString(std::string(Host::callbackURL) + "?a=b"));
+}
+
+const Ending endings[] = {
+    {"CloseButton", [](Host& host) { host.click("Close"); }},
+    {"Escape", [](Host&) { pressKeys("Escape"); }},
+    {"AllAtOnce",
+     [](Host& host) {
+       pressKeys("Escape Escape");
+       callBack(host);
+     }},
+    {"CallbackURL", callBack},
+    {"LinkToCallbackURL", [](Host& host) { host.clickElement("a"); }},
+    {"PageClosesItself", [](Host& host) { host.clickElement("#close"); }},
+    {"EndlessAlerts",
+     [](Host& host) {
+       host.clickElement("#alert");
+       host.click("Close");
+     }},
+    {"EndlessLoop",
+     [](Host& host) {
+       host.clickElement("#hang");
+       host.click("Close");
+     }},
+    {"PageCrashes",
+     [](Host& host) {
+       webkit_web_view_terminate_web_process(host.webView());
+       host.click("Close");
+     }},
+    {"DismissalDuringLoad", callBack, "/stall"},
+    {"DismissalByTheHost",
+     [](Host& host) { host.viewController()->dismissViewControllerAnimated(true); }},
+    {"WindowDestroyed", [](Host& host) { gtk_window_destroy(host.window()); }},
+    {"WindowDestroyedButHeld",
+     [](Host& host) {
+       const auto window = ZLVGObject<GtkWindow>::retain(host.window());
+       gtk_window_destroy(window.get());
+       EXPECT_TRUE(waitFor(
+           [&] { return host.viewController()->presentedViewController() == nullptr; }));
+     }},
+    {"ContentReplaced",
+     [](Host& host) { gtk_window_set_child(host.window(), gtk_label_new("other")); }},
+    {"ApplicationQuits", [](Host& host) { g_application_quit(G_APPLICATION(host.application())); }},
+};
+
+class Lifetime : public testing::TestWithParam<Ending> {};
+
+TEST_P(Lifetime, EndsOnce) {
+  const Merchant merchant(GetParam().path);
+  Host host({.analyticsRootURL = merchant.url() + "/"});
+  ZLVClient::initWithMerchantServerURL(merchant.url(), "M-1", Host::callbackURL, false);
+  int completions = 0;
+  std::weak_ptr<ZLVViewController> controller;
+  host.run([&] {
+    ZLVClient::linkAccountWithPaymentType(
+        "zolva", nullptr, host.viewController(),
+        [&](const auto& account, const auto& error) {
+          ++completions;
+          EXPECT_NE(account, nullptr);
+          EXPECT_FALSE(error.has_value()) << error->debugDescription();
+          EXPECT_TRUE(controller.expired());
+        });
+    ASSERT_TRUE(
+        waitFor([&] { return host.viewController()->presentedViewController() != nullptr; }));
+    controller = host.viewController()->presentedViewController();
+    if (GetParam().path == std::string("/page")) {
+      host.clickElement("p");
+    } else {
+      ASSERT_TRUE(waitFor([&] { return merchant.hasServed("GET /stall"); }));
+    }
+    EXPECT_EQ(completions, 0);
+    GetParam().end(host);
+    // An application that ends turns its loop no further.
+    if (GetParam().name != std::string("ApplicationQuits")) {
+      EXPECT_TRUE(waitFor([&] { return completions > 0; }));
+    }
+  });
+  EXPECT_EQ(completions, 1);
+  EXPECT_TRUE(controller.expired());
+  EXPECT_TRUE(waitFor([] { return childProcesses() == 0; }));
+}
+
+INSTANTIATE_TEST_SUITE_P(Browser, Lifetime, testing::ValuesIn(endings),
+                         [](const auto& test) { return test.param.name; });
+
+TEST(Browser, EndsWhenItWasBarelyShownOrNotAtAll) {
+  Host host;
+  int ended = 0;
+  host.run([&] {
+    host.present("http://127.0.0.1:9/", &ended);
+    callBack(host);
+    host.viewController()->dismissViewControllerAnimated(false);
+    EXPECT_EQ(ended, 1);
+    // Of a view controller that no window shows, the user would never get rid.
+    const auto stray = std::make_shared<ZLVViewController>();
+    host.present(stray, "http://127.0.0.1:9/", &ended);
+    EXPECT_EQ(ended, 1);
+    EXPECT_TRUE(waitFor([&] { return ended == 2; }));
+    EXPECT_TRUE(host.waitUntilClosed());
+  });
+}
+
+/// The memory of this process, in KiB.
+long residentMemory() {
+  std::ifstream statistics("/proc/self/statm");
+  long total = 0, resident = 0;
+  statistics >> total >> resident;
+  return resident * (sysconf(_SC_PAGESIZE) / 1024);
+}
+
+TEST(Browser, LeavesNothingBehindAfterThirtyVisits) {
+  Host host;
+  const RawServer server([](auto&) { return page("<p>page"); });
+  int ended = 0, living = 0;
+  const auto count = [&](gpointer object) {
+    ++living;
+    g_object_weak_ref(
+        G_OBJECT(object), [](gpointer data, GObject*) { --*static_cast<int*>(data); }, &living);
+  };
+  host.run([&] {
+    long warm = 0;
+    for (int visit = 1; visit <= 30; ++visit) {
+      host.present(server.url(), &ended);
+      host.clickElement("p");
+      count(host.webView());
+      count(webkit_web_view_get_network_session(host.webView()));
+      count(gtk_window_get_child(host.window()));
+      pressKeys("Escape");
+      ASSERT_TRUE(host.waitUntilClosed());
+      EXPECT_EQ(ended, visit);
+      EXPECT_EQ(living, 0);
+      if (visit == 10) warm = residentMemory();
+    }
+    constexpr long tolerance = 8 * 1024;
+    EXPECT_LT(residentMemory(), warm + tolerance);
+    
+  });
+}
+
+}  // namespace

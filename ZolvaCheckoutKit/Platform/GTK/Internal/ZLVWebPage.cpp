@@ -28,6 +28,18 @@ std::optional<ZLVURL> parsedURL(const char* url) {
   return ZLVURL::URLWithString(escaped.get());
 }
 
+const char* urlOf(WebKitNavigationAction* action) {
+  return webkit_uri_request_get_uri(webkit_navigation_action_get_request(action));
+}
+
+ZLVNavigationPolicy::Verdict verdictOn(WebKitNavigationAction* action, bool isNewWindow) {
+  return ZLVNavigationPolicy::decide(
+      {.URL = urlOf(action),
+       .isUserGesture = webkit_navigation_action_is_user_gesture(action) != FALSE,
+       .isRedirect = webkit_navigation_action_is_redirect(action) != FALSE,
+       .isNewWindow = isNewWindow});
+}
+
 }  // namespace
 
 ZLVWebPage::ZLVWebPage(std::shared_ptr<ZLVCertificateAuthorities> authorities, Events events)
@@ -96,11 +108,15 @@ void ZLVWebPage::connectPolicies() {
   signals_.connect(view, "decide-policy",
                    [this](WebKitWebView*, WebKitPolicyDecision* decision,
                           WebKitPolicyDecisionType type) -> gboolean {
-                     if (type == WEBKIT_POLICY_DECISION_TYPE_RESPONSE) {
-                       return decideResponse(decision);
-                     }
-                     return decideNavigation(decision,
-                                             type == WEBKIT_POLICY_DECISION_TYPE_NEW_WINDOW_ACTION);
+                     const bool isAllowed = decide(decision, type);
+                     if (!isAllowed) webkit_policy_decision_ignore(decision);
+                     return !isAllowed;
+                   });
+  // A link to a new window asks for a decision, a script asks for the window right away.
+  signals_.connect(view, "create",
+                   [this](WebKitWebView*, WebKitNavigationAction* action) -> GtkWidget* {
+                     openWindow(action);
+                     return nullptr;
                    });
   signals_.connect(view, "permission-request",
                    [](WebKitWebView*, WebKitPermissionRequest* request) -> gboolean {
@@ -175,38 +191,35 @@ void ZLVWebPage::certificateFailed(const char* url, GTlsCertificate* certificate
   fail(ZLVProblem::Kind::Certificate, url, {}, flags);
 }
 
-bool ZLVWebPage::decideNavigation(WebKitPolicyDecision* decision, bool isNewWindow) {
-  auto* const action = webkit_navigation_policy_decision_get_navigation_action(
-      WEBKIT_NAVIGATION_POLICY_DECISION(decision));
-  auto* const request = webkit_navigation_action_get_request(action);
-  const char* const url = webkit_uri_request_get_uri(request);
-  const auto verdict = ZLVNavigationPolicy::decide(
-      {.URL = url,
-       .isUserGesture = webkit_navigation_action_is_user_gesture(action) != FALSE,
-       .isRedirect = webkit_navigation_action_is_redirect(action) != FALSE,
-       .isNewWindow = isNewWindow});
-  const bool sendsFormAgain = webkit_navigation_action_get_navigation_type(action) ==
-                              WEBKIT_NAVIGATION_TYPE_FORM_RESUBMITTED;
-  if (verdict == ZLVNavigationPolicy::Verdict::Load && !isNewWindow && !sendsFormAgain) {
-    return false;
+bool ZLVWebPage::decideNavigation(WebKitNavigationAction* action) {
+  switch (verdictOn(action, false)) {
+    case ZLVNavigationPolicy::Verdict::Load:
+      return webkit_navigation_action_get_navigation_type(action) !=
+             WEBKIT_NAVIGATION_TYPE_FORM_RESUBMITTED;
+    case ZLVNavigationPolicy::Verdict::HandOver:
+      hasLedOut_ = true;
+      if (const auto target = parsedURL(urlOf(action))) events_.ledOut(*target);
+      return false;
+    case ZLVNavigationPolicy::Verdict::Refuse:
+      break;
   }
-  webkit_policy_decision_ignore(decision);
-  if (verdict == ZLVNavigationPolicy::Verdict::Load && isNewWindow) {
-    webkit_web_view_load_request(view_.get(), request);
-  }
-  if (verdict == ZLVNavigationPolicy::Verdict::HandOver) {
-    hasLedOut_ = true;
-    if (const auto target = parsedURL(url)) events_.ledOut(*target);
-  }
-  return true;
+  return false;
 }
 
-bool ZLVWebPage::decideResponse(WebKitPolicyDecision* decision) {
-  // The engine would make a download of it.
-  if (webkit_response_policy_decision_is_mime_type_supported(
-          WEBKIT_RESPONSE_POLICY_DECISION(decision)) != FALSE) {
-    return false;
+void ZLVWebPage::openWindow(WebKitNavigationAction* action) {
+  if (verdictOn(action, true) != ZLVNavigationPolicy::Verdict::Load) return;
+  webkit_web_view_load_request(view_.get(), webkit_navigation_action_get_request(action));
+}
+
+bool ZLVWebPage::decide(WebKitPolicyDecision* decision, WebKitPolicyDecisionType type) {
+  // What the engine cannot show it would make a download of.
+  if (type == WEBKIT_POLICY_DECISION_TYPE_RESPONSE) {
+    return webkit_response_policy_decision_is_mime_type_supported(
+               WEBKIT_RESPONSE_POLICY_DECISION(decision)) != FALSE;
   }
-  webkit_policy_decision_ignore(decision);
-  return true;
+  auto* const action = webkit_navigation_policy_decision_get_navigation_action(
+      WEBKIT_NAVIGATION_POLICY_DECISION(decision));
+  if (type == WEBKIT_POLICY_DECISION_TYPE_NAVIGATION_ACTION) return decideNavigation(action);
+  openWindow(action);
+  return false;
 }

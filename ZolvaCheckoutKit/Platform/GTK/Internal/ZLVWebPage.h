@@ -62,8 +62,11 @@ class ZLVWebPage {
             GTlsCertificateFlags flags = {});
   void loadFailed(const char* url, const GError& error);
   void certificateFailed(const char* url, GTlsCertificate* certificate, GTlsCertificateFlags flags);
-  bool decideNavigation(WebKitPolicyDecision* decision, bool isNewWindow);
-  static bool decideResponse(WebKitPolicyDecision* decision);
+  /// Whether it may go on.
+  bool decide(WebKitPolicyDecision* decision, WebKitPolicyDecisionType type);
+  bool decideNavigation(WebKitNavigationAction* action);
+  /// Loads here what was meant for a new window.
+  void openWindow(WebKitNavigationAction* action);
 
   std::shared_ptr<ZLVCertificateAuthorities> authorities_;
   Events events_;

@@ -41,7 +41,7 @@ ZLVWindowCover::~ZLVWindowCover() {
     if (const auto alive = widget.lock()) gtk_widget_set_sensitive(alive.get(), TRUE);
   }
   const auto window = window_.lock();
-  if (window && isInPlace()) uncover(window.get());
+  if (window && gtk_window_get_child(window.get()) == overlay_.get()) uncover(window.get());
 }
 
 bool ZLVWindowCover::isInPlace() const {
