@@ -206,15 +206,18 @@ std::optional<std::string> Host::evaluate(const std::string& script) const {
   return answer.text;
 }
 
+bool Host::hasElement(const std::string& selector) const {
+  return webView() != nullptr &&
+         evaluate("document.querySelector('" + selector + "') !== null") == "true";
+}
+
 void Host::clickElement(const std::string& selector) const {
   const auto script = "(() => { const box = document.querySelector('" + selector +
                       "').getBoundingClientRect();"
                       "return (box.x + box.width / 2) + ' ' + (box.y + box.height / 2); })()";
-  std::optional<std::string> place;
-  ASSERT_TRUE(waitFor([&] {
-    if (webView() != nullptr) place = evaluate(script);
-    return place.has_value();
-  })) << selector;
+  ASSERT_TRUE(waitFor([&] { return hasElement(selector); })) << selector;
+  const auto place = evaluate(script);
+  ASSERT_TRUE(place.has_value());
   std::istringstream numbers(*place);
   float x = 0, y = 0;
   numbers >> x >> y;

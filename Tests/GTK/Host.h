@@ -62,6 +62,7 @@ class Host {
 
   /// The page's view, or null.
   [[nodiscard]] WebKitWebView* webView() const;
+  [[nodiscard]] bool hasElement(const std::string& selector) const;
   /// Waits for the element and clicks it.
   void clickElement(const std::string& selector) const;
   /// What a script in the page evaluates to, as text; nothing when it fails.
