@@ -37,7 +37,7 @@ constexpr Option options[] = {
 std::optional<std::string> textOption(GVariantDict* given, const char* name) {
   GVariant* const value = g_variant_dict_lookup_value(given, name, nullptr);
   if (value == nullptr) return std::nullopt;
-  std::string text = g_variant_is_of_type(value, G_VARIANT_TYPE_BYTESTRING)
+  std::string text = g_variant_is_of_type(value, G_VARIANT_TYPE_BYTESTRING) == TRUE
                          ? g_variant_get_bytestring(value)
                          : g_variant_get_string(value, nullptr);
   g_variant_unref(value);
@@ -94,12 +94,13 @@ void ShopApplication::readOptions(GVariantDict* given) {
        .CAFile = textOption(given, "ca-file"),
        .analyticsRootURL = textOption(given, "analytics-root")},
       {.openURL = [this](const ZLVURL& url) { return openURL(url); },
+       // The call's completion gets an error, too; what is thrown says what was wrong.
        .uncaughtException =
-           [this](std::exception_ptr exception) {
+           [](const std::exception_ptr& thrown) {
              try {
-               std::rethrow_exception(exception);
+               std::rethrow_exception(thrown);
              } catch (const std::exception& fault) {
-               checkout_.answerMadeNoSense(fault.what());
+               g_message("%s", fault.what());
              }
            }});
 }
@@ -133,7 +134,7 @@ void ShopApplication::open(const ZLVURL& url) {
 bool ShopApplication::openURL(const ZLVURL& url) {
   const bool isOnBus = g_application_get_dbus_connection(G_APPLICATION(application_)) != nullptr;
   const auto* const text = url.absoluteString().c_str();
-  if (isOnBus && g_app_info_launch_default_for_uri(text, nullptr, nullptr)) return true;
+  if (isOnBus && g_app_info_launch_default_for_uri(text, nullptr, nullptr) == TRUE) return true;
   if (url.scheme() != CallbackScheme) return false;
   g_debug("not the installed handler of %s", CallbackScheme);
   open(url);

@@ -25,7 +25,7 @@ class ShopApplication {
 
  private:
   /// The command line, read before anything else.
-  void readOptions(GVariantDict* options);
+  void readOptions(GVariantDict* given);
   /// Configures the library; only in the process that stays.
   void start();
   void activate();

@@ -41,6 +41,7 @@ std::vector<PaymentOption> readOptions(const ZLVAccountInfo& info) {
 
 std::vector<std::shared_ptr<ZLVItemDetails>> itemDetails(const std::vector<BasketLine>& lines) {
   std::vector<std::shared_ptr<ZLVItemDetails>> details;
+  details.reserve(lines.size());
   for (const auto& [item, quantity] : lines) {
     details.push_back(ZLVItemDetails::initWithIthItemID(
         item->id, item->name, amountValue(item->price), quantity, item->category));
@@ -55,32 +56,27 @@ template <class Record>
 ZLVCompletionHandler<Record> Checkout::begin(const char* call, const char* activity,
                                              std::function<void(const Record&)> success,
                                              Failure failure) {
-  failure_ = std::move(failure);
   if (events_.busy) events_.busy(activity);
-  return [this, call, success = std::move(success)](auto record, auto error) {
+  return [this, call, success = std::move(success), failure = std::move(failure)](auto record,
+                                                                                  auto error) {
     g_debug("%s completed: %s", call, error ? error->debugDescription().c_str() : "no error");
-    end();
+    if (events_.busy) events_.busy(nullptr);
     if (!error) return success(*record);
-    if (const auto fail = std::exchange(failure_, {})) fail(*error);
+    if (account_ && isAccountGone(*error)) forget();
+    failure(*error);
   };
 }
 
-void Checkout::end() {
-  if (events_.busy) events_.busy(nullptr);
+void Checkout::forget() {
+  account_.reset();
+  if (events_.accountChanged) events_.accountChanged();
 }
 
 Checkout::Failure Checkout::report(std::function<void()> retry) {
   return [this, retry = std::move(retry)](const ZLVError& error) {
-    if (events_.failed) events_.failed(problemFromError(error), retry);
+    if (!events_.failed) return;
+    events_.failed(problemFromError(error), isAccountGone(error) ? nullptr : retry);
   };
-}
-
-void Checkout::answerMadeNoSense(const std::string& fault) {
-  end();
-  const auto fail = std::exchange(failure_, {});
-  if (!fail) return;
-  fail(ZLVError::errorWithDomain(NSCocoaErrorDomain, NSPropertyListReadCorruptError,
-                                 {{std::string(NSLocalizedDescriptionKey), fault}}));
 }
 
 void Checkout::link(const std::string& phoneNumber, const std::string& countryCode) {
@@ -104,7 +100,7 @@ void Checkout::link(const std::string& phoneNumber, const std::string& countryCo
 }
 
 void Checkout::enquire(const char* activity, const std::string& accountID,
-                       std::function<void()> done, Failure failure) {
+                       const std::function<void()>& done, Failure failure) {
   const auto read = [=, this](const ZLVAccountInfo& info) {
     account_.reset();
     if (info.accountStatus().text() == AccountEnabled) {
@@ -125,10 +121,7 @@ void Checkout::refresh() {
 
 void Checkout::unlink() {
   if (!account_) return;
-  const auto unlinked = [this](const ZLVDisableAccountResult&) {
-    account_.reset();
-    if (events_.accountChanged) events_.accountChanged();
-  };
+  const auto unlinked = [this](const ZLVDisableAccountResult&) { forget(); };
   ZLVClient::disableAccountWithAccountID(
       account_->id, begin<ZLVDisableAccountResult>("unlink", "Unlinking your wallet…", unlinked,
                                                    report([this] { unlink(); })));
@@ -194,7 +187,7 @@ void Checkout::judge(Order& order) {
          "Your balance changed in a way that this order does not explain.");
 }
 
-void Checkout::settle(Order& order, Order::State state, std::string reason) {
+void Checkout::settle(Order& order, Order::State state, std::string reason) const {
   order.state = state;
   order.reason = std::move(reason);
   g_debug("order %s %s", order.id.c_str(), stateName(state));

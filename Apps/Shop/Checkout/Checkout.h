@@ -29,7 +29,7 @@ class Checkout {
     std::function<void()> accountChanged{};
     /// Something has become of an order's payment.
     std::function<void(Order& order)> orderChanged{};
-    /// A call failed; `retry` makes it again.
+    /// A call failed; `retry` makes it again, unless it is empty.
     std::function<void(const Problem& problem, std::function<void()> retry)> failed{};
   };
 
@@ -55,9 +55,6 @@ class Checkout {
   /// Sends an uncertain order again, under the id it has.
   void sendAgain(Order& order) { charge(order); }
 
-  /// To be called when a completion threw: the answer was not what the call expects.
-  void answerMadeNoSense(const std::string& fault);
-
  private:
   /// What to do when the call under way fails.
   using Failure = std::function<void(const ZLVError& error)>;
@@ -65,20 +62,20 @@ class Checkout {
   template <class Record>
   ZLVCompletionHandler<Record> begin(const char* call, const char* activity,
                                      std::function<void(const Record&)> success, Failure failure);
-  void end();
+  /// Leaves an account that the server does not know any more.
+  void forget();
   Failure report(std::function<void()> retry);
 
   /// Fetches the account and calls `done` when it is linked and when it is not.
-  void enquire(const char* activity, const std::string& accountID, std::function<void()> done,
-               Failure failure);
+  void enquire(const char* activity, const std::string& accountID,
+               const std::function<void()>& done, Failure failure);
   void charge(Order& order);
   void judge(Order& order);
-  void settle(Order& order, Order::State state, std::string reason = {});
+  void settle(Order& order, Order::State state, std::string reason = {}) const;
 
   Orders& orders_;
   Events events_;
   std::shared_ptr<ZLVViewController> viewController_;
   std::optional<LinkedAccount> account_;
   std::string phone_;
-  Failure failure_;
 };

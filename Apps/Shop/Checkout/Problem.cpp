@@ -28,10 +28,12 @@ constexpr Explanation explanations[] = {
     {NSURLErrorDomain, INT64_MIN, INT64_MAX, "The connection failed", ""},
     {NSCocoaErrorDomain, INT64_MIN, INT64_MAX, "The shop's answer makes no sense",
      "Try again later. If it stays that way, tell us at the counter."},
-    {ZLVCheckoutErrorDomain, INT64_MIN, INT64_MAX, "The wallet's page cannot be opened", ""},
+    {ZLVCheckoutErrorDomain, INT64_MIN, INT64_MAX, "The wallet's page cannot be opened",
+     "The shop did not say where it is. Try again, or pay at the counter."},
     {ZLVErrorDomain, 400, 400, "Please check what you entered", ""},
     {ZLVErrorDomain, 402, 402, "Not enough money", ""},
-    {ZLVErrorDomain, 403, 404, "Your wallet is not linked any more", ""},
+    {ZLVErrorDomain, 403, 404, "Your wallet is not linked any more",
+     "Link it again to pay with it."},
     {ZLVErrorDomain, 500, 599, "The shop has a problem of its own", "Try again in a few minutes."},
     {"", INT64_MIN, INT64_MAX, "That did not work", ""},
 };
@@ -58,4 +60,11 @@ bool mayHaveTakenEffect(const ZLVError& error) {
   const auto domain = error.domain();
   return domain == NSURLErrorDomain || domain == NSCocoaErrorDomain ||
          (domain == ZLVErrorDomain && error.code() >= serverFailure);
+}
+
+bool isAccountGone(const ZLVError& error) {
+  constexpr std::int64_t forbidden = 403;
+  constexpr std::int64_t notFound = 404;
+  return error.domain() == ZLVErrorDomain &&
+         (error.code() == forbidden || error.code() == notFound);
 }

@@ -17,5 +17,8 @@ Problem problemFromError(const ZLVError& error);
 /// none that can be read, or the server broke down on the way.
 bool mayHaveTakenEffect(const ZLVError& error);
 
+/// Whether the account is not linked any more, whoever ended that.
+bool isAccountGone(const ZLVError& error);
+
 /// The server's way of saying that it knows the order already.
 inline constexpr int OrderChargedBefore = 406;

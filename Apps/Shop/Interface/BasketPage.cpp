@@ -46,12 +46,12 @@ void BasketPage::update() {
   for (std::size_t item = 0; item < ShopMenu.size(); ++item) {
     const auto& line = lines_[item];
     const int quantity = basket_.quantity(item);
-    gtk_widget_set_visible(line.row, quantity > 0);
+    setVisible(line.row, quantity > 0);
     setText(line.quantity, std::to_string(quantity));
     setText(line.price, moneyText(ShopMenu[item].price * quantity));
   }
   setText(sum_, moneyText(basket_.total()));
-  gtk_widget_set_visible(empty_, basket_.isEmpty());
-  gtk_widget_set_visible(total_, !basket_.isEmpty());
-  gtk_widget_set_visible(pay_, !basket_.isEmpty());
+  setVisible(empty_, basket_.isEmpty());
+  setVisible(total_, !basket_.isEmpty());
+  setVisible(pay_, !basket_.isEmpty());
 }

@@ -44,10 +44,10 @@ LinkPage::LinkPage(Link link)
       problem_(makeLabel("Enter 6 to 14 digits, without the country's code.", "wrong-text")) {
   gtk_entry_set_input_purpose(GTK_ENTRY(phone_), GTK_INPUT_PURPOSE_PHONE);
   gtk_entry_set_placeholder_text(GTK_ENTRY(phone_), "812 3456 7890");
-  gtk_widget_set_visible(problem_, FALSE);
+  setVisible(problem_, false);
   onSignal(phone_, "activate", [this] { submit(); });
   onSignal(phone_, "changed", [this] {
-    gtk_widget_set_visible(problem_, FALSE);
+    setVisible(problem_, false);
     gtk_widget_remove_css_class(phone_, "wrong");
   });
   widget_ = makePage(
@@ -75,7 +75,7 @@ void LinkPage::submit() {
   if (isNumber && shortest <= digits.size() && digits.size() <= longest) {
     return link_(digits, countries.at(gtk_drop_down_get_selected(GTK_DROP_DOWN(country_))).code);
   }
-  gtk_widget_set_visible(problem_, TRUE);
+  setVisible(problem_, true);
   gtk_widget_add_css_class(phone_, "wrong");
   gtk_widget_grab_focus(phone_);
 }

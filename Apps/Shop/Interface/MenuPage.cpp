@@ -59,7 +59,7 @@ GtkWidget* MenuPage::makeCard(std::size_t item) {
   const auto showCount = [this, item, badge] {
     const int count = basket_.quantity(item);
     setText(badge, std::to_string(count));
-    gtk_widget_set_visible(badge, count > 0);
+    setVisible(badge, count > 0);
   };
   basket_.observe(showCount);
   showCount();
@@ -77,8 +77,8 @@ void MenuPage::setWide(bool isWide) {
 }
 
 void MenuPage::update() {
-  gtk_widget_set_visible(sidebarBox_, isWide_);
-  gtk_widget_set_visible(basketBar_, !isWide_ && !basket_.isEmpty());
+  setVisible(sidebarBox_, isWide_);
+  setVisible(basketBar_, !isWide_ && !basket_.isEmpty());
   gtk_button_set_label(
       GTK_BUTTON(basketButton_),
       ("Basket (" + std::to_string(basket_.count()) + "), " + moneyText(basket_.total())).c_str());

@@ -41,7 +41,6 @@ GtkWidget* makeBrandIcon() {
 ShopWindow::ShopWindow(GtkApplication* application, Basket& basket, Orders& orders,
                        Checkout& checkout)
     : basket_(basket),
-      orders_(orders),
       checkout_(checkout),
       window_(GTK_WINDOW(gtk_application_window_new(application))),
       menuPage_(basket,
@@ -67,7 +66,7 @@ ShopWindow::ShopWindow(GtkApplication* application, Basket& basket, Orders& orde
   setDefaultSize(window_);
   // The header is part of the content, so that a page of the wallet covers it, too.
   GtkWidget* const noTitlebar = gtk_label_new(nullptr);
-  gtk_widget_set_visible(noTitlebar, FALSE);
+  setVisible(noTitlebar, false);
   gtk_window_set_titlebar(window_, noTitlebar);
 
   buildPages();
@@ -118,11 +117,11 @@ void ShopWindow::buildNotice() {
   noticeTitle_ = makeLabel("", "strong");
   noticeAdvice_ = makeLabel("", "text small");
   retryButton_ = makeButton("Retry", "outlined", [this] {
-    gtk_widget_set_visible(notice_, FALSE);
+    setVisible(notice_, false);
     if (const auto retry = std::exchange(retry_, {})) retry();
   });
   GtkWidget* const dismiss = makeIconButton("window-close-symbolic", "Dismiss", [this] {
-    gtk_widget_set_visible(notice_, FALSE);
+    setVisible(notice_, false);
     focusPage();
   });
   addClasses(dismiss, "flat");
@@ -137,7 +136,7 @@ void ShopWindow::buildNotice() {
   gtk_box_append(GTK_BOX(message), text);
   gtk_box_append(GTK_BOX(message), dismiss);
   notice_ = makeColumn(message);
-  gtk_widget_set_visible(notice_, FALSE);
+  setVisible(notice_, false);
 }
 
 void ShopWindow::buildBusyCard() {
@@ -147,7 +146,7 @@ void ShopWindow::buildBusyCard() {
   busy_ = makeBox(GTK_ORIENTATION_VERTICAL, 12, {spinner_, activity_}, "card busy");
   gtk_widget_set_halign(busy_, GTK_ALIGN_CENTER);
   gtk_widget_set_valign(busy_, GTK_ALIGN_CENTER);
-  gtk_widget_set_visible(busy_, FALSE);
+  setVisible(busy_, false);
 }
 
 void ShopWindow::followWidth() {
@@ -182,11 +181,11 @@ void ShopWindow::listen() {
 void ShopWindow::show(Page page) {
   page_ = page;
   for (std::size_t index = 0; index < pages_.size(); ++index) {
-    gtk_widget_set_visible(pages_[index], index == static_cast<std::size_t>(page));
+    setVisible(pages_[index], index == static_cast<std::size_t>(page));
   }
-  gtk_widget_set_visible(back_, page != Page::Menu);
-  gtk_widget_set_visible(brandIcon_, page == Page::Menu || isWide_);
-  gtk_widget_set_visible(notice_, FALSE);
+  setVisible(back_, page != Page::Menu);
+  setVisible(brandIcon_, page == Page::Menu || isWide_);
+  setVisible(notice_, false);
   focusPage();
 }
 
@@ -203,11 +202,11 @@ void ShopWindow::showOrder(Order& order) {
 void ShopWindow::setBusy(const char* activity) {
   const bool isBusy = activity != nullptr;
   setText(activity_, isBusy ? activity : "");
-  gtk_spinner_set_spinning(GTK_SPINNER(spinner_), isBusy);
-  gtk_widget_set_visible(busy_, isBusy);
-  gtk_widget_set_sensitive(pageBox_, !isBusy);
-  gtk_widget_set_sensitive(header_, !isBusy);
-  if (isBusy) gtk_widget_set_visible(notice_, FALSE);
+  gtk_spinner_set_spinning(GTK_SPINNER(spinner_), static_cast<gboolean>(isBusy));
+  setVisible(busy_, isBusy);
+  setSensitive(pageBox_, !isBusy);
+  setSensitive(header_, !isBusy);
+  if (isBusy) setVisible(notice_, false);
   if (!isBusy) focusPage();
 }
 
@@ -215,8 +214,8 @@ void ShopWindow::showProblem(const Problem& problem, std::function<void()> retry
   setText(noticeTitle_, problem.title);
   setText(noticeAdvice_, problem.advice);
   retry_ = std::move(retry);
-  gtk_widget_set_visible(retryButton_, retry_ != nullptr);
-  gtk_widget_set_visible(notice_, TRUE);
+  setVisible(retryButton_, retry_ != nullptr);
+  setVisible(notice_, true);
   gtk_widget_grab_focus(retryButton_);
 }
 

@@ -42,22 +42,21 @@ class ShopWindow {
   void focusPage();
 
   Basket& basket_;
-  Orders& orders_;
   Checkout& checkout_;
   GtkWindow* window_;
-  GtkWidget* header_;
-  GtkWidget* back_;
-  GtkWidget* brandIcon_;
-  GtkWidget* notice_;
-  GtkWidget* noticeTitle_;
-  GtkWidget* noticeAdvice_;
-  GtkWidget* retryButton_;
+  GtkWidget* header_ = nullptr;
+  GtkWidget* back_ = nullptr;
+  GtkWidget* brandIcon_ = nullptr;
+  GtkWidget* notice_ = nullptr;
+  GtkWidget* noticeTitle_ = nullptr;
+  GtkWidget* noticeAdvice_ = nullptr;
+  GtkWidget* retryButton_ = nullptr;
   std::function<void()> retry_;
-  GtkWidget* pageBox_;
+  GtkWidget* pageBox_ = nullptr;
   std::array<GtkWidget*, 6> pages_{};
-  GtkWidget* busy_;
-  GtkWidget* spinner_;
-  GtkWidget* activity_;
+  GtkWidget* busy_ = nullptr;
+  GtkWidget* spinner_ = nullptr;
+  GtkWidget* activity_ = nullptr;
   bool isWide_ = false;
   Page page_ = Page::Menu;
 

@@ -74,18 +74,18 @@ void WalletPage::update() {
   const auto total = basket_.total();
   setText(sum_, moneyText(total));
   gtk_button_set_label(GTK_BUTTON(pay_), ("Pay " + moneyText(total)).c_str());
-  gtk_widget_set_visible(payment_, !basket_.isEmpty());
+  setVisible(payment_, !basket_.isEmpty());
   GtkWidget* chosen = nullptr;
   GtkWidget* first = nullptr;
   for (std::size_t index = 0; index < buttons_.size(); ++index) {
     GtkWidget* const button = buttons_[index];
     const bool isEnough = options_[index].balance >= total;
-    gtk_widget_set_sensitive(button, isEnough);
+    setSensitive(button, isEnough);
     if (!isEnough) continue;
     if (first == nullptr) first = button;
     if (gtk_check_button_get_active(GTK_CHECK_BUTTON(button)) == TRUE) chosen = button;
   }
-  gtk_widget_set_sensitive(pay_, first != nullptr);
+  setSensitive(pay_, first != nullptr);
   if (chosen == nullptr && first != nullptr) {
     gtk_check_button_set_active(GTK_CHECK_BUTTON(first), TRUE);
   }

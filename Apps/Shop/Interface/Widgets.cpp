@@ -1,6 +1,8 @@
 #include "Apps/Shop/Interface/Widgets.h"
 
 #include <algorithm>
+#include <memory>
+#include <utility>
 
 #include "Apps/Shop/Interface/Style.h"
 
@@ -19,8 +21,8 @@ void measureColumn(GtkWidget* widget, GtkOrientation orientation, int size, int*
 
 void allocateColumn(GtkWidget* widget, int width, int height, int baseline) {
   const int columnWidth = std::min(width, ColumnWidth);
-  const graphene_point_t start =
-      GRAPHENE_POINT_INIT(static_cast<float>((width - columnWidth) / 2), 0);
+  const int margin = (width - columnWidth) / 2;
+  const graphene_point_t start{static_cast<float>(margin), 0};
   gtk_widget_allocate(gtk_widget_get_first_child(widget), columnWidth, height, baseline,
                       gsk_transform_translate(nullptr, &start));
 }
@@ -30,12 +32,13 @@ void allocateColumn(GtkWidget* widget, int width, int height, int baseline) {
 void onSignal(gpointer object, const char* signal, std::function<void()> handler) {
   using Handler = std::function<void()>;
   // Swapped, the handler comes first, and what else the signal brings can be left unread.
-  static constexpr auto call = [](Handler* kept) noexcept { (*kept)(); };
-  static constexpr auto destroy = [](gpointer kept, GClosure*) {
-    delete static_cast<Handler*>(kept);
+  constexpr auto call = +[](Handler* kept) noexcept { (*kept)(); };
+  constexpr auto destroy = [](gpointer kept, GClosure* /*closure*/) {
+    const std::unique_ptr<Handler> owner(static_cast<Handler*>(kept));
   };
-  g_signal_connect_data(object, signal, G_CALLBACK(static_cast<void (*)(Handler*)>(call)),
-                        new Handler(std::move(handler)), destroy, G_CONNECT_SWAPPED);
+  g_signal_connect_data(object, signal, G_CALLBACK(call),
+                        std::make_unique<Handler>(std::move(handler)).release(), destroy,
+                        G_CONNECT_SWAPPED);
 }
 
 GtkWidget* makeLabel(const std::string& text, const char* classes) {
@@ -114,6 +117,14 @@ GtkWidget* makeRow(GtkWidget* start, GtkWidget* end, const char* classes) {
 
 void removeChildren(GtkWidget* box) {
   while (GtkWidget* child = gtk_widget_get_first_child(box)) gtk_box_remove(GTK_BOX(box), child);
+}
+
+void setVisible(GtkWidget* widget, bool isVisible) {
+  gtk_widget_set_visible(widget, static_cast<gboolean>(isVisible));
+}
+
+void setSensitive(GtkWidget* widget, bool isSensitive) {
+  gtk_widget_set_sensitive(widget, static_cast<gboolean>(isSensitive));
 }
 
 GtkWidget* makeColumn(GtkWidget* child) {

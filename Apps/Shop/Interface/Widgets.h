@@ -31,6 +31,9 @@ GtkWidget* makeBox(GtkOrientation orientation, int spacing,
 GtkWidget* makeRow(GtkWidget* start, GtkWidget* end, const char* classes = "");
 void removeChildren(GtkWidget* box);
 
+void setVisible(GtkWidget* widget, bool isVisible);
+void setSensitive(GtkWidget* widget, bool isSensitive);
+
 /// `child`, centred and no wider than text should be.
 GtkWidget* makeColumn(GtkWidget* child);
 /// `child` in what scrolls up and down.

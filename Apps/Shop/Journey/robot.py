@@ -174,7 +174,7 @@ class Robot:
         return tuple(int(values[name]) for name in ("X", "Y", "WIDTH", "HEIGHT"))
 
     def _nodes(self):
-        """Everything that a screen reader finds, with the area in which it can be seen."""
+        """Everything that a screen reader finds that can be used, with the area in which it is seen."""
         desktop = Atspi.get_desktop(0)
         for index in range(desktop.get_child_count()):
             application = desktop.get_child_at_index(index)
@@ -184,6 +184,8 @@ class Robot:
                     yield from self._below(frame, frame.get_extents(Atspi.CoordType.WINDOW))
 
     def _below(self, node, view):
+        if not node.get_state_set().contains(Atspi.StateType.SENSITIVE):
+            return
         if node.get_role() == Atspi.Role.SCROLL_PANE:
             view = node.get_extents(Atspi.CoordType.WINDOW)
         yield node, view
@@ -232,7 +234,7 @@ class Robot:
 
         def in_view():
             found = self.find(name, role)
-            if not found or not found[0].get_state_set().contains(Atspi.StateType.SENSITIVE):
+            if not found:
                 return None
             _, box, view = found
             middle = (box.x + box.width // 2, box.y + box.height // 2)

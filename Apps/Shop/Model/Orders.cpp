@@ -20,7 +20,7 @@ std::string now() {
   std::tm local{};
   localtime_r(&time, &local);
   char text[16];
-  return std::string(text, std::strftime(text, sizeof text, "%H:%M", &local));
+  return {text, std::strftime(text, sizeof text, "%H:%M", &local)};
 }
 
 }  // namespace
