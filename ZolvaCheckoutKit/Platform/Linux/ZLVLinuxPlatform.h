@@ -42,6 +42,9 @@ struct ZLVLinuxOptions {
 /// HTTP behaves as `ZLVURLSession` says and, beyond that: proxies are taken from the environment
 /// (`https_proxy`, `http_proxy`, `no_proxy`), calls to this machine itself excepted; no User-Agent
 /// is sent; nothing is written to disk.
+///
+/// After fork(2) the library is the parent's: the child may call exec, _exit or exit, and nothing
+/// of the library.
 class ZLV_EXPORT ZLVLinuxPlatform {
  public:
   /// A platform whose parts the host may replace before it installs it. Its main queue is

@@ -54,6 +54,7 @@ void ZLVCurlLoop::run() {
     curl_multi_perform(multi_, &running);
     takeDone();
     failIdle();
+    sendWaiting();
     curl_multi_poll(multi_, nullptr, 0, pollMilliseconds(), nullptr);
   }
   if (end == End::Cancel) tearDown();
@@ -99,7 +100,27 @@ void ZLVCurlLoop::begin(std::unique_ptr<ZLVCurlTransfer> transfer) {
   if (!transfer->start(configuration_)) return transfer->complete();
   CURL* handle = transfer->handle();
   transfers_.emplace(handle, std::move(transfer));
+  send(handle);
+}
+
+void ZLVCurlLoop::send(CURL* handle) {
+  if (const auto server = transfers_.at(handle)->awaitedServer(); !server.empty()) {
+    auto& [first, others] = waiting_.try_emplace(server, Waiting{handle, {}}).first->second;
+    if (first != handle) return others.push_back(handle);
+  }
   if (curl_multi_add_handle(multi_, handle) != CURLM_OK) fail(handle, NSURLErrorUnknown);
+}
+
+void ZLVCurlLoop::sendWaiting() {
+  std::erase_if(waiting_, [this](const auto& entry) {
+    const auto& [server, calls] = entry;
+    const auto first = transfers_.find(calls.first);
+    if (first != transfers_.end() && first->second->awaitedServer() == server) return false;
+    for (CURL* handle : calls.others) {
+      if (transfers_.contains(handle)) curl_multi_add_handle(multi_, handle);
+    }
+    return true;
+  });
 }
 
 void ZLVCurlLoop::takeDone() {
@@ -110,7 +131,7 @@ void ZLVCurlLoop::takeDone() {
     curl_multi_remove_handle(multi_, handle);
     const auto transfer = transfers_.find(handle);
     if (transfer->second->continueAfter(result)) {
-      curl_multi_add_handle(multi_, handle);
+      send(handle);
     } else {
       transfers_.extract(transfer).mapped()->complete();
     }

@@ -44,6 +44,9 @@ class ZLVCurlLoop {
   /// Begins what other threads have added and tells how the loop is to end.
   End takeAdded();
   void begin(std::unique_ptr<ZLVCurlTransfer> transfer);
+  /// Gives the transfer to libcurl, at once or when the server that it waits for is reached.
+  void send(CURL* handle);
+  void sendWaiting();
   void takeDone();
   void failIdle();
   void fail(CURL* handle, NSURLError code);
@@ -54,6 +57,13 @@ class ZLVCurlLoop {
   std::optional<std::string> CAFile_;
   std::optional<ZLVCertificateBundle> bundle_;
   std::unordered_map<CURL*, std::unique_ptr<ZLVCurlTransfer>> transfers_;
+  /// The first of the calls to a server, and those that wait because they may share its connection.
+  /// libcurl itself (CURLOPT_PIPEWAIT) would let them hold up the calls to other servers.
+  struct Waiting {
+    CURL* first;
+    std::vector<CURL*> others;
+  };
+  std::unordered_map<std::string, Waiting> waiting_;
 
   // Shared; the multi handle is null while the thread does not run.
   std::mutex mutex_;

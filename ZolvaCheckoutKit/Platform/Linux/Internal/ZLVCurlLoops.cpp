@@ -2,11 +2,14 @@
 #include <mutex>
 #include <set>
 
+#include <unistd.h>
+
 #include <ZolvaCheckoutKit/Platform/Linux/Internal/ZLVCurlLoops.h>
 
 namespace {
 
 struct Registry {
+  const pid_t process = getpid();
   std::mutex mutex;
   std::set<std::shared_ptr<ZLVCurlLoop>> loops;
   bool isExiting = false;
@@ -17,6 +20,9 @@ Registry& registry() {
   static auto& registry = *new Registry;  // NOLINT(*-non-const-global-variables)
   return registry;
 }
+
+/// The child of a fork(2) has the loops, but not their threads.
+bool isForked() { return getpid() != registry().process; }
 
 /// Keeps a thread from ending while libcurl is being set up, and so from letting the process exit
 /// before it is known how that is done in order: exit(3) ends the calling thread's objects first.
@@ -38,6 +44,7 @@ void ZLVCurlLoops::start(const std::shared_ptr<ZLVCurlLoop>& loop) {
 }
 
 void ZLVCurlLoops::stop(const std::shared_ptr<ZLVCurlLoop>& loop) {
+  if (isForked()) return;
   {
     const std::lock_guard lock(registry().mutex);
     if (registry().isExiting) return;
@@ -53,6 +60,7 @@ void ZLVCurlLoops::setUpLibrary() {
 }
 
 void ZLVCurlLoops::abandonAll() {
+  if (isForked()) return;
   std::set<std::shared_ptr<ZLVCurlLoop>> loops;
   {
     const std::lock_guard lock(registry().mutex);

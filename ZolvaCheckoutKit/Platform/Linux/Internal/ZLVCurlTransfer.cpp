@@ -166,6 +166,11 @@ bool ZLVCurlTransfer::refusesToSend() {
   return isLost_;
 }
 
+std::string ZLVCurlTransfer::awaitedServer() const {
+  if (isSent_ || hop_.url.scheme != "https") return {};
+  return hop_.url.host + ':' + hop_.url.port;
+}
+
 template <class Value>
 void ZLVCurlTransfer::set(CURLoption option, Value value) {
   if (setting_ == CURLE_OK) setting_ = curl_easy_setopt(handle(), option, value);
@@ -192,7 +197,6 @@ void ZLVCurlTransfer::setCallOptions() {
   set(CURLOPT_OPENSOCKETFUNCTION, &Callbacks::open);
   set(CURLOPT_OPENSOCKETDATA, this);
 
-  set(CURLOPT_PIPEWAIT, 1L);
   set(CURLOPT_TCP_KEEPALIVE, 1L);
   set(CURLOPT_SSLVERSION, static_cast<long>(CURL_SSLVERSION_TLSv1_2));
   // A folder of authorities would keep libcurl from keeping those of the file.

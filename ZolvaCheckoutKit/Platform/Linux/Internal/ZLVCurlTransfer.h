@@ -41,6 +41,9 @@ class ZLVCurlTransfer {
   /// Takes in that libcurl is done with the handle. True when it is prepared for another hop.
   bool continueAfter(CURLcode result);
 
+  /// Host and port of the https server that the call is to reach; empty once it has, and for http.
+  [[nodiscard]] std::string awaitedServer() const;
+
   /// The moment at which the call has made no progress for too long.
   [[nodiscard]] Clock::time_point deadline() const { return lastProgress_ + timeoutInterval_; }
 
