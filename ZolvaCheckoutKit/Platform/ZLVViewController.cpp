@@ -22,12 +22,13 @@ void ZLVViewController::dismissViewControllerAnimated(bool animated, ZLVOnce<voi
     if (presenting_ == nullptr) return;
     return presenting_->dismissViewControllerAnimated(animated, std::move(completion));
   }
+  // What ends here may dismiss more, this controller included.
+  const auto self = weak_from_this().lock();
   if (presented_->presented_ != nullptr) presented_->dismissViewControllerAnimated(animated);
-  auto gone = std::move(presented_);
-  gone->viewWillDisappear(animated);
-  gone->presenting_ = nullptr;
-  // Its end may bring the end of this controller too, so nothing of it is used from here on.
-  gone.reset();
+  if (auto gone = std::move(presented_)) {
+    gone->viewWillDisappear(animated);
+    gone->presenting_ = nullptr;
+  }
   std::move(completion)();
 }
 
