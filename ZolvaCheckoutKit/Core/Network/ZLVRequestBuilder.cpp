@@ -10,15 +10,19 @@ namespace {
 /// Close to three hours: a user may take their time on the server's side of a call.
 constexpr double timeoutInterval = 10000.0;
 
+// The headers outlive every thread that may still call.
+
 const ZLVDictionary& analyticsHeader() {
-  static const ZLVDictionary header{{"X-CleverTap-Account-Id", "T48-213-K06W"},
-                                    {"X-CleverTap-Passcode", "QWB-LNA-RJTH"},
-                                    {"Content-Type", "application/json; charset=utf-8"}};
+  static const auto& header =
+      *new ZLVDictionary{{"X-CleverTap-Account-Id", "T48-213-K06W"},
+                         {"X-CleverTap-Passcode", "QWB-LNA-RJTH"},
+                         {"Content-Type", "application/json; charset=utf-8"}};
   return header;
 }
 
 const ZLVDictionary& merchantHeader() {
-  static const ZLVDictionary header{{"X-Source", "mobile-ios"}, {"X-Mobile-Platform", "ios"}};
+  static const auto& header =
+      *new ZLVDictionary{{"X-Source", "mobile-ios"}, {"X-Mobile-Platform", "ios"}};
   return header;
 }
 
