@@ -1,0 +1,300 @@
+// What a host does at odd moments: calls from many threads and from completions, throwing, letting
+// go of view controllers, leaving the main queue alone, forking and exiting.
+
+#include <algorithm>
+#include <array>
+#include <atomic>
+#include <semaphore>
+#include <stdexcept>
+#include <thread>
+#include <vector>
+
+#include <gtest/gtest.h>
+#include <poll.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <ZolvaCheckoutKit/Platform/Linux/ZLVConsoleUserInterface.h>
+
+#include "Tests/Faults/Library.h"
+#include "Tests/Support/RawServer.h"
+
+namespace {
+
+using Call = void (*)(const Library::Completion&);
+
+constexpr std::array<Call, 2> calls{&Library::enquire, &Library::charge};
+constexpr auto page = R"({"status_code":"201","actions":[
+  {"name":"activation-deeplink","url":"https://wallet.test/"}]})";
+
+RawServer::Reply answer(const std::string& request) {
+  const auto path = request.substr(request.find(' ') + 1);
+  if (path.starts_with("/stall/")) return {"", RawServer::Then::Stall};
+  return {RawServer::response(path.starts_with("/page/") ? page : "{}")};
+}
+
+/// The library and a server, which calls below "/stall" get no answer from, and calls below "/page"
+/// the answer that a page is to be shown.
+struct World {
+  RawServer server{&answer};
+  Library library{server.url(), server.url()};
+};
+
+class Interleaving : public testing::Test {
+ protected:
+  static void SetUpTestSuite() { world = std::make_unique<World>(); }
+  static void TearDownTestSuite() {
+    library().endSession();
+    world.reset();
+  }
+  Interleaving() { useServer(""); }
+
+  static RawServer& server() { return world->server; }
+  static Library& library() { return world->library; }
+  /// The server's part that calls go to.
+  static void useServer(const std::string& part) {
+    ZLVVendor::shared().setMerchantSeverURL(server().url(part));
+  }
+  /// Runs the main queue and counts what completions throw.
+  void run(const std::function<bool()>& isDone) {
+    while (!isDone()) {
+      pollfd event{library().queue().fileDescriptor(), POLLIN, 0};
+      poll(&event, 1, -1);
+      try {
+        library().queue().drain();
+      } catch (const std::runtime_error&) {
+        ++thrown_;
+      }
+    }
+  }
+  /// Starts a number of calls on each of eight threads and waits for these.
+  static void callFromEightThreads(int callsEach, const Library::Completion& completion) {
+    std::vector<std::jthread> threads;
+    for (int thread = 0; thread < 8; ++thread) {
+      threads.emplace_back([=] {
+        for (std::size_t i = 0; i < static_cast<std::size_t>(callsEach); ++i) {
+          calls.at(i % calls.size())(completion);
+        }
+      });
+    }
+  }
+  static std::size_t requestsBelow(const std::string& part) {
+    const auto requests = server().requests();
+    return static_cast<std::size_t>(std::ranges::count_if(requests, [&](const auto& request) {
+      return request.substr(request.find(' ') + 1).starts_with(part);
+    }));
+  }
+
+  static inline std::unique_ptr<World> world;
+  int thrown_ = 0;
+};
+
+TEST_F(Interleaving, CallsFromEightThreadsAreAnsweredOnTheMainThread) {
+  const auto mainThread = std::this_thread::get_id();
+  std::counting_semaphore<> slots(64);
+  int answered = 0;
+  std::jthread callers([&] {
+    std::vector<std::jthread> threads;
+    for (int thread = 0; thread < 8; ++thread) {
+      threads.emplace_back([&] {
+        for (std::size_t i = 0; i < 250; ++i) {
+          slots.acquire();
+          calls.at(i % calls.size())([&](const auto& outcome) {
+            EXPECT_EQ(std::this_thread::get_id(), mainThread);
+            EXPECT_FALSE(outcome.error);
+            ++answered;
+            slots.release();
+          });
+        }
+      });
+    }
+  });
+  run([&] { return answered == 2000; });
+}
+
+TEST_F(Interleaving, CompletionsCallThrowAndReconfigure) {
+  constexpr int count = 300;
+  int started = 0, answered = 0;
+  std::function<void()> next = [&] {
+    const int number = started++;
+    const auto call = calls.at(static_cast<std::size_t>(number) % calls.size());
+    call([&, number](const auto& outcome) {
+      EXPECT_FALSE(outcome.error);
+      ++answered;
+      if (number % 5 == 0) {
+        ZLVClient::initWithMerchantServerURL(server().url(number % 2 == 0 ? "/even" : "/odd"), "M",
+                                             "app://done", false);
+      }
+      if (started < count) next();
+      if (number % 3 == 0) throw std::runtime_error("a completion");
+    });
+  };
+  for (int i = 0; i < 8; ++i) next();
+  run([&] { return answered == count; });
+  EXPECT_EQ(thrown_, count / 3);
+  EXPECT_GT(requestsBelow("/even/"), 0U);
+  EXPECT_GT(requestsBelow("/odd/"), 0U);
+}
+
+/// A page is shown over a view controller that is presented by the root's, and goes in various
+/// ways; the completion then ends the view controller, and may throw.
+TEST_F(Interleaving, CompletionsDestroyTheirViewController) {
+  useServer("/page");
+  const auto interface = std::dynamic_pointer_cast<ZLVConsoleUserInterface>(
+      ZLVPlatform::installed("test").userInterface);
+  const auto root = interface->keyWindowRootViewController();
+  const std::function<void()> ways[] = {
+      [&] { interface->closeBrowser(); },
+      [&] { ZLVClient::handleCallbackUrl(*ZLVURL::URLWithString("app://done")); },
+      [&] { root->dismissViewControllerAnimated(false); },
+  };
+  ZLVVendor::shared().setCallbackUrl("app://done");
+  for (const auto& way : ways) {
+    for (const bool throws : {false, true}) {
+      int answered = 0;
+      auto controller = std::make_shared<ZLVViewController>();
+      const std::weak_ptr<ZLVViewController> weak = controller;
+      root->presentViewController(controller, false);
+      ZLVClient::linkAccountWithPaymentType("zolva", nullptr, std::move(controller),
+                                            [&](const auto& record, const auto& error) {
+                                              EXPECT_TRUE(record && !error);
+                                              ++answered;
+                                              root->dismissViewControllerAnimated(false);
+                                              if (throws) throw std::runtime_error("a completion");
+                                            });
+      run([&] { return weak.lock()->presentedViewController() != nullptr; });
+      EXPECT_EQ(answered, 0);
+      thrown_ = 0;
+      way();
+      run([&] { return answered == 1 && thrown_ == (throws ? 1 : 0); });
+      EXPECT_TRUE(weak.expired());
+    }
+  }
+}
+
+TEST_F(Interleaving, AnswersWaitForAMainQueueThatIsNotRun) {
+  int answered = 0;
+  callFromEightThreads(8, [&](const auto& outcome) {
+    EXPECT_FALSE(outcome.error);
+    ++answered;
+  });
+  while (requestsBelow("/v2/") < 64) std::this_thread::yield();
+  EXPECT_EQ(answered, 0);
+  run([&] { return answered == 64; });
+}
+
+TEST_F(Interleaving, ASessionThatIsDestroyedCancelsItsCalls) {
+  useServer("/stall");
+  int cancelled = 0;
+  const Library::Completion completion = [&](const auto& outcome) {
+    ASSERT_TRUE(outcome.error);
+    EXPECT_EQ(outcome.error->domain(), NSURLErrorDomain);
+    EXPECT_EQ(outcome.error->code(), NSURLErrorCancelled);
+    if (++cancelled == 1) library().endSession();  // once more, from here
+  };
+  callFromEightThreads(4, completion);
+  while (requestsBelow("/stall/") < 32) std::this_thread::yield();
+  library().endSession();
+  callFromEightThreads(4, completion);  // without a session
+  run([&] { return cancelled == 64; });
+
+  library().renewSession();
+  useServer("");
+  EXPECT_FALSE(library().outcomeOf(&Library::enquire).error);
+}
+
+TEST_F(Interleaving, AServerThatStallsHoldsUpNoOther) {
+  const SilentListener silent;
+  int answered = 0, cancelled = 0;
+  const auto callEightTimes = [](const std::string& url, const Library::Completion& completion) {
+    ZLVVendor::shared().setMerchantSeverURL(url);
+    for (int i = 0; i < 8; ++i) Library::enquire(completion);
+  };
+  library().renewSession();
+  for (const std::string scheme : {"http", "https"}) {
+    callEightTimes(scheme + "://127.0.0.1:" + std::to_string(silent.port()),
+                   [&](const auto&) { ++cancelled; });
+    callEightTimes(scheme + "://127.0.0.1:1", [&](const auto&) { ++answered; });
+  }
+  callEightTimes(server().url(), [&](const auto&) { ++answered; });
+  run([&] { return answered == 24; });
+  EXPECT_EQ(cancelled, 0);
+  library().renewSession();
+  run([&] { return cancelled == 16; });
+}
+
+/// The child of a fork may exec or _exit, and even exit; the parent's calls go on.
+TEST_F(Interleaving, TheHostForks) {
+  const std::function<void()> ends[] = {[] { execl("/bin/true", "true", nullptr); },
+                                        [] { _exit(0); },
+                                        [] {
+                                          (void)world.release();  // its threads are the parent's
+                                          std::exit(0);
+                                        }};
+  int answered = 0;
+  constexpr int count = 96;
+  std::function<void()> next = [&] {
+    Library::enquire([&](const auto& outcome) {
+      EXPECT_FALSE(outcome.error);
+      if (++answered % 32 == 0) {
+        const auto child = fork();
+        if (child == 0) {
+          alarm(60);
+          ends[static_cast<std::size_t>(answered / 32 - 1)]();
+          _exit(1);
+        }
+        int status = 0;
+        EXPECT_EQ(waitpid(child, &status, 0), child);
+        EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << answered << " " << status;
+      }
+      if (answered + 8 <= count) next();
+    });
+  };
+  for (int i = 0; i < 8; ++i) next();
+  run([&] { return answered == count; });
+}
+
+/// A process that exits with calls under way, some connecting, some without an answer, some
+/// answered to a main queue that is not run.
+void exitAt(const std::string& moment) {
+  alarm(60);
+  static const SilentListener silent;
+  const auto address = "127.0.0.1:" + std::to_string(silent.port());
+  static Library library("http://" + address + "/", "https://" + address);
+  const auto ignore = [](const auto&) {};
+  const auto start = [&ignore] {
+    for (int i = 0; i < 8; ++i) Library::enquire(ignore);
+  };
+  start();
+  ZLVVendor::shared().setMerchantSeverURL("http://" + address);
+  start();
+  ZLVVendor::shared().setMerchantSeverURL("http://127.0.0.1:1");
+  start();
+  if (moment == "at once") std::exit(0);
+  if (moment == "in a completion") {
+    Library::enquire([](const auto&) { std::exit(0); });
+    library.queue().run();
+  }
+  pollfd answered{library.queue().fileDescriptor(), POLLIN, 0};
+  poll(&answered, 1, -1);
+  if (moment == "with answers waiting") std::exit(0);
+  if (moment == "quickly") std::quick_exit(0);
+  if (moment == "on another thread") std::thread([] { std::exit(0); }).join();
+  for (int thread = 0; thread < 8; ++thread) {
+    std::thread([start] {
+      for (;;) start();
+    }).detach();
+  }
+  poll(&answered, 1, -1);
+  std::exit(0);
+}
+
+TEST(InterleavingDeathTest, TheHostExits) {
+  GTEST_FLAG_SET(death_test_style, "threadsafe");
+  for (const auto* moment : {"at once", "in a completion", "with answers waiting", "quickly",
+                             "on another thread", "while threads go on calling"}) {
+    EXPECT_EXIT(exitAt(moment), testing::ExitedWithCode(0), "") << moment;
+  }
+}
+
+}  // namespace
