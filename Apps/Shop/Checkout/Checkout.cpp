@@ -62,20 +62,15 @@ ZLVCompletionHandler<Record> Checkout::begin(const char* call, const char* activ
     g_debug("%s completed: %s", call, error ? error->debugDescription().c_str() : "no error");
     if (events_.busy) events_.busy(nullptr);
     if (!error) return success(*record);
-    if (account_ && isAccountGone(*error)) forget();
     failure(*error);
   };
 }
 
-void Checkout::forget() {
-  account_.reset();
-  if (events_.accountChanged) events_.accountChanged();
-}
-
 Checkout::Failure Checkout::report(std::function<void()> retry) {
   return [this, retry = std::move(retry)](const ZLVError& error) {
-    if (!events_.failed) return;
-    events_.failed(problemFromError(error), isAccountGone(error) ? nullptr : retry);
+    const bool isGone = isAccountGone(error);
+    if (isGone && account_) setAccount(std::nullopt);
+    if (events_.failed) events_.failed(problemFromError(error), isGone ? nullptr : retry);
   };
 }
 
@@ -83,15 +78,17 @@ void Checkout::link(const std::string& phoneNumber, const std::string& countryCo
   const auto retry = [=, this] { link(phoneNumber, countryCode); };
   const auto linked = [=, this](const ZLVLinkAccountResult& result) {
     phone_ = "+" + countryCode + " " + phoneNumber;
+    const auto accountID = result.accountID().description();
     // The completion says that the wallet's page is gone, not what the customer did there.
-    const auto look = [this, retry] {
+    const auto read = [=, this](const ZLVAccountInfo& info) {
+      setAccount(accountID, info);
       if (account_ || !events_.failed) return;
       events_.failed({"Your wallet is not linked yet",
                       "The wallet's page was closed before you confirmed. Open it again and press "
                       "Confirm."},
                      retry);
     };
-    enquire("Looking at your wallet…", result.accountID().description(), look, report(retry));
+    enquire("Looking at your wallet…", accountID, read, report(retry));
   };
   ZLVClient::linkAccountWithPaymentType(
       PaymentType, ZLVPartnerDetails::initWithPhoneNumber(phoneNumber, countryCode),
@@ -100,28 +97,31 @@ void Checkout::link(const std::string& phoneNumber, const std::string& countryCo
 }
 
 void Checkout::enquire(const char* activity, const std::string& accountID,
-                       const std::function<void()>& done, Failure failure) {
-  const auto read = [=, this](const ZLVAccountInfo& info) {
-    account_.reset();
-    if (info.accountStatus().text() == AccountEnabled) {
-      account_ = LinkedAccount{accountID, phone_, readOptions(info)};
-    }
-    g_debug("account %s", account_ ? "linked" : "not linked");
-    if (events_.accountChanged) events_.accountChanged();
-    if (done) done();
-  };
+                       std::function<void(const ZLVAccountInfo&)> read, Failure failure) {
   ZLVClient::enquireAccountWithAccountID(
-      accountID, begin<ZLVAccountInfo>("enquire", activity, read, std::move(failure)));
+      accountID, begin<ZLVAccountInfo>("enquire", activity, std::move(read), std::move(failure)));
+}
+
+void Checkout::setAccount(std::optional<LinkedAccount> account) {
+  account_ = std::move(account);
+  g_debug("account %s", account_ ? "linked" : "not linked");
+  if (events_.accountChanged) events_.accountChanged();
+}
+
+void Checkout::setAccount(const std::string& accountID, const ZLVAccountInfo& info) {
+  if (info.accountStatus().text() != AccountEnabled) return setAccount(std::nullopt);
+  setAccount(LinkedAccount{accountID, phone_, readOptions(info)});
 }
 
 void Checkout::refresh() {
   if (!account_) return;
-  enquire("Fetching your balance…", account_->id, {}, report([this] { refresh(); }));
+  const auto read = [this, id = account_->id](const auto& info) { setAccount(id, info); };
+  enquire("Fetching your balance…", account_->id, read, report([this] { refresh(); }));
 }
 
 void Checkout::unlink() {
   if (!account_) return;
-  const auto unlinked = [this](const ZLVDisableAccountResult&) { forget(); };
+  const auto unlinked = [this](const ZLVDisableAccountResult&) { setAccount(std::nullopt); };
   ZLVClient::disableAccountWithAccountID(
       account_->id, begin<ZLVDisableAccountResult>("unlink", "Unlinking your wallet…", unlinked,
                                                    report([this] { unlink(); })));
@@ -163,17 +163,25 @@ void Checkout::charge(Order& order) {
 }
 
 void Checkout::check(Order& order) {
-  const auto failed = [this, &order](const ZLVError& error) {
-    settle(order, Order::State::Uncertain, problemFromError(error).advice);
+  if (&order != &orders_.all().front()) {
+    return settle(order, order.state == Order::State::Sent ? Order::State::Uncertain : order.state,
+                  "You have ordered again since, so that your balance tells nothing about this "
+                  "order. Ask at the counter.");
+  }
+  const auto read = [this, &order](const ZLVAccountInfo& info) {
+    if (account_ && account_->id == order.accountID) setAccount(order.accountID, info);
+    judge(order, readOptions(info));
   };
-  enquire(
-      "Checking your payment…", order.accountID, [this, &order] { judge(order); }, failed);
+  const auto failed = [this, &order](const ZLVError& error) {
+    const auto problem = problemFromError(error);
+    settle(order, Order::State::Uncertain, problem.title + ". " + problem.advice);
+  };
+  enquire("Checking your payment…", order.accountID, read, failed);
 }
 
-/// Judges an order by its payment option's balance, for want of a better witness: a shop of your
-/// own asks its server, which the wallet tells what became of each charge.
-void Checkout::judge(Order& order) {
-  const auto options = account_ ? account_->options : std::vector<PaymentOption>();
+/// Judges the last order by its payment option's balance, for want of a better witness: a shop of
+/// your own asks its server, which the wallet tells what became of each charge.
+void Checkout::judge(Order& order, const std::vector<PaymentOption>& options) const {
   const auto option = std::ranges::find(options, order.option.token, &PaymentOption::token);
   if (option != options.end() && option->balance == order.option.balance - order.total()) {
     return settle(order, Order::State::Paid);
@@ -183,8 +191,7 @@ void Checkout::judge(Order& order) {
                   "You did not confirm the payment, and " + moneyText(order.total()) +
                       " has not left your wallet.");
   }
-  settle(order, Order::State::Uncertain,
-         "Your balance changed in a way that this order does not explain.");
+  settle(order, Order::State::Uncertain, "Your balance does not tell whether it was paid.");
 }
 
 void Checkout::settle(Order& order, Order::State state, std::string reason) const {

@@ -62,15 +62,15 @@ class Checkout {
   template <class Record>
   ZLVCompletionHandler<Record> begin(const char* call, const char* activity,
                                      std::function<void(const Record&)> success, Failure failure);
-  /// Leaves an account that the server does not know any more.
-  void forget();
+  /// Tells of a failed call that is about the linked account.
   Failure report(std::function<void()> retry);
 
-  /// Fetches the account and calls `done` when it is linked and when it is not.
   void enquire(const char* activity, const std::string& accountID,
-               const std::function<void()>& done, Failure failure);
+               std::function<void(const ZLVAccountInfo&)> read, Failure failure);
+  void setAccount(std::optional<LinkedAccount> account);
+  void setAccount(const std::string& accountID, const ZLVAccountInfo& info);
   void charge(Order& order);
-  void judge(Order& order);
+  void judge(Order& order, const std::vector<PaymentOption>& options) const;
   void settle(Order& order, Order::State state, std::string reason = {}) const;
 
   Orders& orders_;
