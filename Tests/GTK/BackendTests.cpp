@@ -1,11 +1,11 @@
 // The ports that have no window: the main queue, the device's facts, the sandbox of the web engine.
 
-#include <gtest/gtest.h>
-
 #include <filesystem>
 #include <fstream>
 #include <stdexcept>
 #include <thread>
+
+#include <gtest/gtest.h>
 
 #include <ZolvaCheckoutKit/Core/Checkout/ZLVWebViewController.h>
 #include <ZolvaCheckoutKit/Platform/GTK/Internal/ZLVGTKMainQueue.h>

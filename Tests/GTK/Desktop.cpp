@@ -1,9 +1,9 @@
 #include "Tests/GTK/Desktop.h"
 
-#include <gdk/x11/gdkx.h>
-
 #include <sstream>
 #include <stdexcept>
+
+#include <gdk/x11/gdkx.h>
 
 namespace {
 
@@ -21,7 +21,8 @@ void xdotool(const std::string& arguments) {
 void pressKeys(const std::string& keys) { xdotool("key --delay 0 " + keys); }
 
 void clickAt(GtkWindow* window, double x, double y) {
-  double left = 0, top = 0;
+  double left = 0;
+  double top = 0;
   gtk_native_get_surface_transform(GTK_NATIVE(window), &left, &top);
   const auto surface = gdk_x11_surface_get_xid(gtk_native_get_surface(GTK_NATIVE(window)));
   std::ostringstream arguments;

@@ -2,9 +2,9 @@
 
 // The mouse and the keyboard of the display that a test has to itself.
 
-#include <gtk/gtk.h>
-
 #include <string>
+
+#include <gtk/gtk.h>
 
 /// Types keys, named as xdotool does, such as "Escape" or "shift+Tab".
 void pressKeys(const std::string& keys);

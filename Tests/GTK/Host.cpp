@@ -1,11 +1,11 @@
 #include "Tests/GTK/Host.h"
 
-#include <gtest/gtest.h>
-
 #include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <sstream>
+
+#include <gtest/gtest.h>
 
 #include <ZolvaCheckoutKit/Core/Checkout/ZLVWebViewController.h>
 #include <ZolvaCheckoutKit/Platform/GTK/Internal/ZLVGObject.h>
@@ -94,7 +94,9 @@ void Host::run(std::function<void()> body) {
 void Host::makeWindow() {
   g_object_set(gtk_settings_get_default(), "gtk-enable-animations", FALSE, nullptr);
   window_ = GTK_WINDOW(gtk_application_window_new(application_));
-  g_object_add_weak_pointer(G_OBJECT(window_), reinterpret_cast<gpointer*>(&window_));
+  g_object_weak_ref(
+      G_OBJECT(window_),
+      [](gpointer host, GObject*) { static_cast<Host*>(host)->window_ = nullptr; }, this);
   gtk_window_set_default_size(window_, 360, 640);
 
   entry_ = gtk_entry_new();
@@ -139,11 +141,11 @@ void Host::present(const std::string& url, int* ended) const {
 
 void Host::present(const std::shared_ptr<ZLVViewController>& presenter, const std::string& url,
                    int* ended) {
-  presenter->presentViewController(ZLVWebViewController::initWithURL(
-                                       *ZLVURL::URLWithString(url),
-                                       [ended] {
-                                         if (ended != nullptr) ++*ended;
-                                       }),
+  presenter->presentViewController(ZLVWebViewController::initWithURL(*ZLVURL::URLWithString(url),
+                                                                     [ended] {
+                                                                       if (ended != nullptr)
+                                                                         ++*ended;
+                                                                     }),
                                    true);
 }
 
@@ -165,9 +167,9 @@ void Host::click(const std::string& text) const {
 
 void Host::waitForFrame() const {
   bool isPainted = false;
-  const auto handler = g_signal_connect_swapped(
-      gtk_widget_get_frame_clock(GTK_WIDGET(window_)), "after-paint",
-      G_CALLBACK(+[](bool* painted) { *painted = true; }), &isPainted);
+  const auto handler =
+      g_signal_connect_swapped(gtk_widget_get_frame_clock(GTK_WIDGET(window_)), "after-paint",
+                               G_CALLBACK(+[](bool* painted) { *painted = true; }), &isPainted);
   gtk_widget_queue_draw(GTK_WIDGET(window_));
   EXPECT_TRUE(waitFor([&] { return isPainted; }));
   g_signal_handler_disconnect(gtk_widget_get_frame_clock(GTK_WIDGET(window_)), handler);
@@ -183,8 +185,9 @@ void Host::click(GtkWidget* widget) const {
 }
 
 WebKitWebView* Host::webView() const {
-  return reinterpret_cast<WebKitWebView*>(findWidget(
-      GTK_WIDGET(window_), [](GtkWidget* widget) { return WEBKIT_IS_WEB_VIEW(widget) != FALSE; }));
+  auto* const view = findWidget(
+      GTK_WIDGET(window_), [](GtkWidget* widget) { return WEBKIT_IS_WEB_VIEW(widget) != FALSE; });
+  return view == nullptr ? nullptr : WEBKIT_WEB_VIEW(view);
 }
 
 std::optional<std::string> Host::evaluate(const std::string& script) const {
@@ -197,8 +200,8 @@ std::optional<std::string> Host::evaluate(const std::string& script) const {
       [](GObject* view, GAsyncResult* result, gpointer data) {
         auto& answered = *static_cast<Answer*>(data);
         answered.isThere = true;
-        const auto value = ZLVGObject<JSCValue>::take(webkit_web_view_evaluate_javascript_finish(
-            WEBKIT_WEB_VIEW(view), result, nullptr));
+        const auto value = ZLVGObject<JSCValue>::take(
+            webkit_web_view_evaluate_javascript_finish(WEBKIT_WEB_VIEW(view), result, nullptr));
         if (value) answered.text = ZLVGText(jsc_value_to_string(value.get())).get();
       },
       &answer);
@@ -219,10 +222,12 @@ void Host::clickElement(const std::string& selector) const {
   const auto place = evaluate(script);
   ASSERT_TRUE(place.has_value());
   std::istringstream numbers(*place);
-  float x = 0, y = 0;
+  float x = 0;
+  float y = 0;
   numbers >> x >> y;
   graphene_point_t point{};
   const graphene_point_t inView{x, y};
-  ASSERT_TRUE(gtk_widget_compute_point(GTK_WIDGET(webView()), GTK_WIDGET(window_), &inView, &point));
+  ASSERT_TRUE(
+      gtk_widget_compute_point(GTK_WIDGET(webView()), GTK_WIDGET(window_), &inView, &point));
   clickAt(window_, point.x, point.y);
 }

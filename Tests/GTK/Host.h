@@ -2,14 +2,14 @@
 
 // A small application with a window of its own, used as a person uses it: by mouse and keyboard.
 
-#include <gtk/gtk.h>
-#include <webkit/webkit.h>
-
 #include <functional>
 #include <memory>
 #include <optional>
 #include <string>
 #include <vector>
+
+#include <gtk/gtk.h>
+#include <webkit/webkit.h>
 
 #include <ZolvaCheckoutKit/Platform/GTK/ZLVGTKPlatform.h>
 #include <ZolvaCheckoutKit/ZolvaCheckoutKit.h>

@@ -1,8 +1,7 @@
 // A user's way through the wallet's pages, from the shop and back to it.
 
-#include <gtest/gtest.h>
-
 #include <Sandbox/Sandbox.h>
+#include <gtest/gtest.h>
 
 #include "Tests/GTK/Host.h"
 
@@ -54,9 +53,7 @@ class Journey : public testing::Test {
   }
 
   std::function<void()> clicking(const char* decision) {
-    return [this, decision] {
-      host_.clickElement(std::string("button[value=") + decision + "]");
-    };
+    return [this, decision] { host_.clickElement(std::string("button[value=") + decision + "]"); };
   }
 
   ZLVSandbox sandbox_;
@@ -72,8 +69,8 @@ TEST_F(Journey, LinksAndPays) {
     Answer<ZLVTransactionResult> charged;
     ZLVClient::createTransactionWithPaymentType(
         "zolva", host_.viewController(),
-        ZLVZolvaDetails::initWithAccountID(
-            account, info->metadata()->paymentOptions()->front()->token()),
+        ZLVZolvaDetails::initWithAccountID(account,
+                                           info->metadata()->paymentOptions()->front()->token()),
         ZLVTransactionDetails::initWithGrossAmount(ZLVSandboxVerificationLimit + 50, "O-1", "EUR"),
         ZLVCustomerDetails::initWithPhoneNumber("81234567890", "Ada", "L", "ada@example.com"),
         std::nullopt, charged.handler());

@@ -1,8 +1,8 @@
 // However a browser ends, the host learns of it once and nothing stays behind.
 
-#include <gtest/gtest.h>
-
 #include <fstream>
+
+#include <gtest/gtest.h>
 
 #include <ZolvaCheckoutKit/Platform/GTK/Internal/ZLVGObject.h>
 
@@ -33,14 +33,16 @@ class Merchant {
   RawServer::Reply answer(const std::string& request) const {
     if (request.starts_with("POST /v2/pay/account ")) {
       return {RawServer::response(R"({"status_code": "201", "actions": [
-          {"name": "activation-deeplink", "url": ")" + url() + path_ + "\"}]}")};
+          {"name": "activation-deeplink", "url": ")" +
+                                  url() + path_ + "\"}]}")};
     }
     if (request.starts_with("POST /1/upload")) return {RawServer::response("{}")};
     if (request.starts_with("GET /stall")) return {"", RawServer::Then::Stall};
-    return page("<p>page</p><a href=zolvatest://done>return</a>"
-                "<button id=close onclick='window.close()'>close</button>"
-                "<button id=alert onclick='while (true) alert(1)'>alert</button>"
-                "<button id=hang onclick='while (true);'>hang</button>");
+    return page(
+        "<p>page</p><a href=zolvatest://done>return</a>"
+        "<button id=close onclick='window.close()'>close</button>"
+        "<button id=alert onclick='while (true) alert(1)'>alert</button>"
+        "<button id=hang onclick='while (true);'>hang</button>");
   }
 
   std::string path_;
@@ -93,8 +95,8 @@ const Ending endings[] = {
      [](Host& host) {
        const auto window = ZLVGObject<GtkWindow>::retain(host.window());
        gtk_window_destroy(window.get());
-       EXPECT_TRUE(waitFor(
-           [&] { return host.viewController()->presentedViewController() == nullptr; }));
+       EXPECT_TRUE(
+           waitFor([&] { return host.viewController()->presentedViewController() == nullptr; }));
      }},
     {"ContentReplaced",
      [](Host& host) { gtk_window_set_child(host.window(), gtk_label_new("other")); }},
@@ -111,8 +113,7 @@ TEST_P(Lifetime, EndsOnce) {
   std::weak_ptr<ZLVViewController> controller;
   host.run([&] {
     ZLVClient::linkAccountWithPaymentType(
-        "zolva", nullptr, host.viewController(),
-        [&](const auto& account, const auto& error) {
+        "zolva", nullptr, host.viewController(), [&](const auto& account, const auto& error) {
           ++completions;
           EXPECT_NE(account, nullptr);
           EXPECT_FALSE(error.has_value()) << error->debugDescription();
@@ -191,7 +192,6 @@ TEST(Browser, LeavesNothingBehindAfterThirtyVisits) {
     }
     constexpr long tolerance = 8 * 1024;
     EXPECT_LT(residentMemory(), warm + tolerance);
-    
   });
 }
 

@@ -1,8 +1,8 @@
 // Where a page can lead: what stays in the view, what goes to another application, what nowhere.
 
-#include <gtest/gtest.h>
-
 #include <map>
+
+#include <gtest/gtest.h>
 
 #include "Tests/GTK/Host.h"
 #include "Tests/Support/RawServer.h"
@@ -25,31 +25,39 @@ const std::string frame = "<iframe style='width: 100%; height: 200px; border: 0'
 const std::map<std::string, std::string> pages = {
     {"/link", "<a id=try href=app://link>link</a>"},
     {"/link-in-link", frame + "id=try src=/link></iframe>"},
-    {"/timer", "<script>setTimeout(() => { location = 'app://timer'; parent.tried = true; })</script>"},
+    {"/timer",
+     "<script>setTimeout(() => { location = 'app://timer'; parent.tried = true; })</script>"},
     {"/redirect-in-frame", frame + "src=/redirect></iframe>"},
     {"/popup", "<p id=popup>popup</p>"},
 };
 
 const Attempt attempts[] = {
     {"a link", "<a id=try href=app://link>link</a>", {"app://link"}},
-    {"a link of awkward text", "<a id=try href='app://link?a=|\"é'>link</a>",
+    {"a link of awkward text",
+     "<a id=try href='app://link?a=|\"é'>link</a>",
      {"app://link?a=%7C%22%C3%A9"}},
-    {"an intent", "<a id=try href='intent://scan/#Intent;scheme=zxing;end'>link</a>",
+    {"an intent",
+     "<a id=try href='intent://scan/#Intent;scheme=zxing;end'>link</a>",
      {"intent://scan/#Intent;scheme=zxing;end"}},
     {"a form", "<form action=app://form><button id=try>form</button></form>", {"app://form?"}},
     {"a redirect after a click", "<a id=try href=/redirect>link</a>", {"app://redirected"}},
-    {"a script on a click", "<p id=try onclick='location = \"app://click\"'>click</p>",
+    {"a script on a click",
+     "<p id=try onclick='location = \"app://click\"'>click</p>",
      {"app://click"}},
     {"a timer",
-     "<p id=try>click</p><script>setTimeout(() => { location = 'app://timer'; tried = true; })</script>",
+     "<p id=try>click</p><script>setTimeout(() => { location = 'app://timer'; tried = true; "
+     "})</script>",
      {}},
     {"a new window", "<a id=try target=_blank href=app://link>link</a>", {}},
     {"a frame's source", frame + "id=try src=app://frame onload='tried = true'></iframe>", {}},
     {"a link in a frame", frame + "id=try src=/link></iframe>", {}},
     {"a link in a frame in a frame", frame + "id=try src=/link-in-link></iframe>", {}},
     {"a link in a frame in a frame without scripts",
-     frame + "id=try sandbox src=/link-in-link></iframe>", {}},
-    {"a link in an inline frame", frame + "id=try srcdoc='<a href=app://link>link</a>'></iframe>", {}},
+     frame + "id=try sandbox src=/link-in-link></iframe>",
+     {}},
+    {"a link in an inline frame",
+     frame + "id=try srcdoc='<a href=app://link>link</a>'></iframe>",
+     {}},
     {"a link in a frame of the page's making",
      "<div id=try></div><script>const inner = document.createElement('iframe');"
      "inner.height = 90;"
@@ -60,15 +68,16 @@ const Attempt attempts[] = {
     {"a timer in a frame", frame + "id=try src=/timer></iframe>", {}},
     {"a redirect in a frame", frame + "id=try src=/redirect onload='tried = true'></iframe>", {}},
     {"a redirect in a frame in a frame",
-     frame + "id=try src=/redirect-in-frame onload='tried = true'></iframe>", {}},
+     frame + "id=try src=/redirect-in-frame onload='tried = true'></iframe>",
+     {}},
     {"a redirect in an object",
-     "<object id=try data=/redirect onerror='tried = true' onload='tried = true'></object>", {}},
+     "<object id=try data=/redirect onerror='tried = true' onload='tried = true'></object>",
+     {}},
     {"a file", "<a id=try href=file:///etc/passwd>link</a>", {}},
     {"a file by script", "<p id=try onclick='location = \"file:///etc/passwd\"'>click</p>", {}},
     {"data", "<a id=try href='data:text/html,<p>data'>link</a>", {}},
     {"a script", "<a id=try href='javascript:void(tried = true)'>link</a>", {}},
-    {"a blob",
-     "<p id=try onclick='location = URL.createObjectURL(new Blob([1]))'>click</p>", {}},
+    {"a blob", "<p id=try onclick='location = URL.createObjectURL(new Blob([1]))'>click</p>", {}},
     {"a download", "<a id=try download href=/file>link</a>", {}},
     {"a file to be saved", "<a id=try href=/file>link</a>", {}},
     {"an empty window", "<p id=try onclick='window.open()'>click</p>", {}},
@@ -116,14 +125,14 @@ TEST(Navigation, KeepsToTheView) {
       const auto seen = host.openedURLs().size();
 
       host.clickElement("#try");
-      const bool tells = content.find("tried = true") != content.npos || content.find("/timer") != content.npos;
+      const bool tells =
+          content.find("tried = true") != content.npos || content.find("/timer") != content.npos;
       EXPECT_TRUE(!tells || waitFor([&] { return host.evaluate("tried") == "true"; }));
       const auto& expected = attempt.openedURLs;
       EXPECT_TRUE(waitFor([&] { return host.openedURLs().size() >= seen + expected.size(); }));
       host.clickElement("#control");
-      ASSERT_TRUE(waitFor([&] {
-        return host.openedURLs().size() > seen && host.openedURLs().back() == control;
-      }));
+      ASSERT_TRUE(waitFor(
+          [&] { return host.openedURLs().size() > seen && host.openedURLs().back() == control; }));
       const std::vector<std::string> opened(
           host.openedURLs().begin() + static_cast<std::ptrdiff_t>(seen),
           host.openedURLs().end() - 1);

@@ -27,8 +27,7 @@ ZLVPlatform ZLVGTKPlatform::platformWithApplication(GtkApplication* application,
   platform.device = std::make_shared<ZLVGTKDevice>(application, platform.device);
   platform.userInterface = std::make_shared<ZLVGTKUserInterface>(
       std::shared_ptr<const ZLVGTKBrowser::Environment>(new ZLVGTKBrowser::Environment{
-          ZLVWeakGObject<GtkApplication>(application), platform.mainQueue, platform.systemLog,
-          std::move(authorities)}),
+          ZLVWeakGObject<GtkApplication>(application), platform.mainQueue, std::move(authorities)}),
       std::move(handlers.openURL));
   return platform;
 }

@@ -10,8 +10,8 @@
 #include <ZolvaCheckoutKit/ZLVExport.h>
 #include <ZolvaCheckoutKit/ZLVURL.h>
 
-typedef struct _GtkApplication GtkApplication;
-typedef struct _GtkWindow GtkWindow;
+using GtkApplication = struct _GtkApplication;
+using GtkWindow = struct _GtkWindow;
 
 /// What the host does itself instead of leaving it to the backend. Called on the main thread, from
 /// the main loop.

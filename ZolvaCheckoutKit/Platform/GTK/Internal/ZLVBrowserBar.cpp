@@ -86,11 +86,13 @@ GtkWidget* ZLVBrowserBar::makeButton(const char* icon, const char* label, const 
 void ZLVBrowserBar::setState(const ZLVWebPage::State& state) {
   gtk_label_set_text(GTK_LABEL(host_), state.host.c_str());
   gtk_widget_set_tooltip_text(host_, state.host.c_str());
-  gtk_widget_set_visible(lock_, state.security == ZLVSecurity::Secure);
-  gtk_widget_set_visible(warning_, state.security == ZLVSecurity::NotSecure);
-  gtk_widget_set_visible(progress_.get(), state.isLoading);
+  gtk_widget_set_visible(lock_, ZLVGBoolean(state.security == ZLVSecurity::Secure));
+  gtk_widget_set_visible(warning_, ZLVGBoolean(state.security == ZLVSecurity::NotSecure));
+  gtk_widget_set_visible(progress_.get(), ZLVGBoolean(state.isLoading));
   gtk_progress_bar_set_fraction(GTK_PROGRESS_BAR(progress_.get()), state.progress);
-  gtk_widget_set_sensitive(back_, state.canGoBack);
+  gtk_widget_set_sensitive(back_, ZLVGBoolean(state.canGoBack));
 }
 
-void ZLVBrowserBar::setCanReload(bool canReload) { gtk_widget_set_sensitive(reload_, canReload); }
+void ZLVBrowserBar::setCanReload(bool canReload) {
+  gtk_widget_set_sensitive(reload_, ZLVGBoolean(canReload));
+}

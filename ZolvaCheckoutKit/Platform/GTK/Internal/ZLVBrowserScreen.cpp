@@ -57,26 +57,20 @@ void ZLVBrowserScreen::addShortcuts() {
   // Before the page, and wherever the focus is.
   gtk_event_controller_set_propagation_phase(controller, GTK_PHASE_CAPTURE);
   gtk_shortcut_controller_set_scope(GTK_SHORTCUT_CONTROLLER(controller), GTK_SHORTCUT_SCOPE_GLOBAL);
-  using Step = void (*)(ZLVBrowserScreen&);
-  static constexpr std::pair<const char*, Step> shortcuts[] = {
-      {"Escape", [](ZLVBrowserScreen& screen) { screen.events_.closed(); }},
-      {"<Alt>Left", [](ZLVBrowserScreen& screen) { screen.goBack(); }},
-      {"F5|<Control>r", [](ZLVBrowserScreen& screen) { screen.reload(); }},
-  };
-  for (const auto& [keys, step] : shortcuts) {
-    static constexpr auto run = [](GtkWidget* /*widget*/, GVariant* /*arguments*/,
-                                   gpointer data) noexcept -> gboolean {
-      auto& [screen, chosen] = *static_cast<std::pair<ZLVBrowserScreen*, Step>*>(data);
-      chosen(*screen);
-      return TRUE;
-    };
-    auto* const data = new std::pair<ZLVBrowserScreen*, Step>(this, step);
+  using Action = std::function<void()>;
+  const std::pair<const char*, Action> shortcuts[] = {{"Escape", events_.closed},
+                                                      {"<Alt>Left", [this] { goBack(); }},
+                                                      {"F5|<Control>r", [this] { reload(); }}};
+  for (const auto& [keys, action] : shortcuts) {
+    GtkShortcutAction* const run = gtk_callback_action_new(
+        [](GtkWidget*, GVariant*, gpointer data) noexcept -> gboolean {
+          ZLVUserData<Action>::of(data)();
+          return TRUE;
+        },
+        ZLVUserData<Action>::make(action), &ZLVUserData<Action>::free);
     gtk_shortcut_controller_add_shortcut(
         GTK_SHORTCUT_CONTROLLER(controller),
-        gtk_shortcut_new(gtk_shortcut_trigger_parse_string(keys),
-                         gtk_callback_action_new(run, data, [](gpointer owned) {
-                           delete static_cast<std::pair<ZLVBrowserScreen*, Step>*>(owned);
-                         })));
+        gtk_shortcut_new(gtk_shortcut_trigger_parse_string(keys), run));
   }
   gtk_widget_add_controller(root_.get(), controller);
 }
@@ -95,10 +89,10 @@ void ZLVBrowserScreen::setContent(Content content) {
   content_ = content;
   // The page stays mapped below the spinner, where it gets ready to be seen, but not below a
   // problem, where it could still be used.
-  gtk_widget_set_visible(page_.widget(), content != Content::Problem);
+  gtk_widget_set_visible(page_.widget(), ZLVGBoolean(content != Content::Problem));
   gtk_widget_set_opacity(page_.widget(), content == Content::Page ? 1 : 0);
-  gtk_widget_set_visible(spinner_, content == Content::Loading);
-  gtk_widget_set_visible(problemPage_.widget(), content == Content::Problem);
+  gtk_widget_set_visible(spinner_, ZLVGBoolean(content == Content::Loading));
+  gtk_widget_set_visible(problemPage_.widget(), ZLVGBoolean(content == Content::Problem));
 }
 
 void ZLVBrowserScreen::showProblem(const ZLVProblem& problem) {

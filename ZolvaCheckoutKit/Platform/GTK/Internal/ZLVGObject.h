@@ -63,3 +63,15 @@ template <class Object, auto free>
 using ZLVGOwned = std::unique_ptr<Object, ZLVGFree<Object, free>>;
 using ZLVGText = ZLVGOwned<char, g_free>;
 using ZLVGError = ZLVGOwned<GError, g_error_free>;
+
+/// A value that C keeps: as user data together with the function that frees it.
+template <class Value>
+struct ZLVUserData {
+  static gpointer make(Value value) { return std::make_unique<Value>(std::move(value)).release(); }
+  static Value& of(gpointer data) noexcept { return *static_cast<Value*>(data); }
+  static void free(gpointer data) noexcept {
+    const std::unique_ptr<Value> end(static_cast<Value*>(data));
+  }
+};
+
+constexpr gboolean ZLVGBoolean(bool value) noexcept { return value ? TRUE : FALSE; }

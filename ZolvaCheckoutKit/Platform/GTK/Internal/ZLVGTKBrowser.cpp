@@ -30,7 +30,8 @@ void ZLVGTKBrowser::show(ZLVViewController& presenter, bool animated, ZLVOnce<vo
   closed_ = std::move(closed);
   GtkWindow* const window = ZLVWindowViewController::windowOf(presenter);
   if (window == nullptr) {
-    environment_->log->log("No page is shown: the presenting view controller is in no window");
+    ZLVPlatform::installed("show").systemLog->log(
+        "No page is shown: the presenting view controller is in no window");
     return later(&ZLVGTKBrowser::end);
   }
 

@@ -9,7 +9,6 @@
 #include <ZolvaCheckoutKit/Platform/GTK/Internal/ZLVCertificateAuthorities.h>
 #include <ZolvaCheckoutKit/Platform/GTK/Internal/ZLVGObject.h>
 #include <ZolvaCheckoutKit/Platform/ZLVMainQueue.h>
-#include <ZolvaCheckoutKit/Platform/ZLVSystemLog.h>
 #include <ZolvaCheckoutKit/Platform/ZLVUserInterface.h>
 
 /// A browser inside the presenting window.
@@ -23,7 +22,6 @@ class ZLVGTKBrowser final : public ZLVBrowser {
   struct Environment {
     ZLVWeakGObject<GtkApplication> application;
     std::shared_ptr<ZLVMainQueue> mainQueue;
-    std::shared_ptr<ZLVSystemLog> log;
     std::shared_ptr<ZLVCertificateAuthorities> authorities;
   };
 

@@ -49,7 +49,8 @@ std::vector<std::string> ZLVGTKDevice::preferredLanguages() const {
   std::vector<std::string> languages;
   for (const auto* name = g_get_language_names(); *name != nullptr; ++name) {
     const std::string_view language = *name;
-    if (language == "C" || language == "POSIX" || language.find('.') != language.npos) continue;
+    if (language == "C" || language == "POSIX" || language.find('.') != std::string_view::npos)
+      continue;
     languages.emplace_back(language);
   }
   return languages;

@@ -2,6 +2,7 @@
 
 #include <glib.h>
 
+#include <ZolvaCheckoutKit/Platform/GTK/Internal/ZLVGObject.h>
 #include <ZolvaCheckoutKit/Platform/GTK/Internal/ZLVGTKMainQueue.h>
 
 ZLVGTKMainQueue::ZLVGTKMainQueue(UncaughtException uncaughtException)
@@ -20,14 +21,14 @@ void ZLVGTKMainQueue::dispatch(ZLVOnce<void()> block) {
     blocks_->waiting.push_back(std::move(block));
   }
   // A source for each block, so that a block that runs a loop of its own holds none of them up.
-  using Turn = std::weak_ptr<Blocks>;
+  using Turn = ZLVUserData<std::weak_ptr<Blocks>>;
   g_idle_add_full(
       G_PRIORITY_DEFAULT,
       [](gpointer turn) -> gboolean {
-        if (const auto blocks = static_cast<Turn*>(turn)->lock()) runNext(*blocks);
+        if (const auto blocks = Turn::of(turn).lock()) runNext(*blocks);
         return G_SOURCE_REMOVE;
       },
-      new Turn(blocks_), [](gpointer turn) { delete static_cast<Turn*>(turn); });
+      Turn::make(blocks_), &Turn::free);
 }
 
 void ZLVGTKMainQueue::runNext(Blocks& blocks) noexcept {

@@ -11,7 +11,7 @@ class ZLVNavigationPolicy {
 
   /// What is about to happen in the main frame.
   struct Navigation {
-    const char* URL;
+    const char* URL = nullptr;
     bool isUserGesture = false;
     bool isRedirect = false;
     bool isNewWindow = false;

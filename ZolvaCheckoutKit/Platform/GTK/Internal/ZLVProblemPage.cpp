@@ -9,10 +9,10 @@ namespace {
 
 /// What is said about a problem; texts are translated where they are shown, and "%s" is the host.
 struct Words {
-  const char* icon;
-  const char* title;
-  const char* text;
-  const char* reload;  ///< Null where fetching the page again would change nothing.
+  const char* icon = nullptr;
+  const char* title = nullptr;
+  const char* text = nullptr;
+  const char* reload = nullptr;  ///< Null where fetching the page again would change nothing.
   bool isReloadUsual = false;
 };
 
@@ -65,9 +65,9 @@ const char* textFor(const ZLVProblem& problem) {
 
 std::string filledIn(const char* text, const std::string& host) {
   std::string filled = text;
-  // The host reads from left to right in any language.
-  const std::string isolated = "\u2066" + host + "\u2069";
-  if (const auto place = filled.find("%s"); place != filled.npos) {
+  // The host reads from left to right in any language: U+2066 and U+2069 set it apart.
+  const std::string isolated = "\xE2\x81\xA6" + host + "\xE2\x81\xA9";
+  if (const auto place = filled.find("%s"); place != std::string::npos) {
     filled.replace(place, 2, isolated);
   }
   return filled;
@@ -129,8 +129,8 @@ void ZLVProblemPage::setProblem(const ZLVProblem& problem) {
   const auto text = filledIn(ZLVLocalized(textFor(problem)), problem.host);
   gtk_label_set_text(GTK_LABEL(text_), text.c_str());
   gtk_label_set_text(GTK_LABEL(detail_), problem.detail.c_str());
-  gtk_widget_set_visible(detail_, !problem.detail.empty());
-  gtk_widget_set_visible(reload_, canReload(problem));
+  gtk_widget_set_visible(detail_, ZLVGBoolean(!problem.detail.empty()));
+  gtk_widget_set_visible(reload_, ZLVGBoolean(canReload(problem)));
   if (canReload(problem)) gtk_button_set_label(GTK_BUTTON(reload_), ZLVLocalized(words.reload));
   usual_ = words.isReloadUsual ? reload_ : close_;
   for (GtkWidget* button : {reload_, close_}) {

@@ -4,6 +4,8 @@
 
 #include <glib-object.h>
 
+#include <ZolvaCheckoutKit/Platform/GTK/Internal/ZLVGObject.h>
+
 /// Connects signals to functions, which are called until this object ends or the sender does.
 ///
 /// A handler takes the signal's arguments, the sender first. No exception may leave it: its caller
@@ -20,7 +22,7 @@ class ZLVSignals {
 
   template <class Handler>
   void connect(gpointer sender, const char* signal, Handler handler) {
-    connectAs(sender, signal, new Handler(std::move(handler)), &Handler::operator());
+    connectAs(sender, signal, std::move(handler), &Handler::operator());
   }
 
   /// Ends all connections at once, also one whose handler runs right now.
@@ -28,22 +30,18 @@ class ZLVSignals {
 
  private:
   template <class Handler, class Result, class... Arguments>
-  void connectAs(gpointer sender, const char* signal, Handler* handler,
+  void connectAs(gpointer sender, const char* signal, Handler handler,
                  Result (Handler::*)(Arguments...) const) {
-    auto* const call = &Thunk<Handler, Result, Arguments...>::call;
-    GClosure* closure = g_cclosure_new(
-        reinterpret_cast<GCallback>(call), handler,
-        [](gpointer data, GClosure* /*closure*/) { delete static_cast<Handler*>(data); });
+    using Data = ZLVUserData<Handler>;
+    constexpr auto call = [](Arguments... arguments, gpointer data) noexcept -> Result {
+      return Data::of(data)(arguments...);
+    };
+    GClosure* const closure =
+        g_cclosure_new(G_CALLBACK(+call), Data::make(std::move(handler)),
+                       [](gpointer data, GClosure* /*closure*/) { Data::free(data); });
     g_object_watch_closure(owner_, closure);
     g_signal_connect_closure(sender, signal, closure, FALSE);
   }
-
-  template <class Handler, class Result, class... Arguments>
-  struct Thunk {
-    static Result call(Arguments... arguments, gpointer handler) noexcept {
-      return (*static_cast<Handler*>(handler))(arguments...);
-    }
-  };
 
   GObject* owner_;
 };

@@ -110,7 +110,7 @@ void ZLVWebPage::connectPolicies() {
                           WebKitPolicyDecisionType type) -> gboolean {
                      const bool isAllowed = decide(decision, type);
                      if (!isAllowed) webkit_policy_decision_ignore(decision);
-                     return !isAllowed;
+                     return ZLVGBoolean(!isAllowed);
                    });
   // A link to a new window asks for a decision, a script asks for the window right away.
   signals_.connect(view, "create",
@@ -137,7 +137,7 @@ void ZLVWebPage::connectPolicies() {
   signals_.connect(view, "context-menu",
                    [](WebKitWebView*, WebKitContextMenu* menu, WebKitHitTestResult*) -> gboolean {
                      ZLVWebView::restrictContextMenu(menu);
-                     return webkit_context_menu_get_n_items(menu) == 0;
+                     return ZLVGBoolean(webkit_context_menu_get_n_items(menu) == 0);
                    });
 }
 
@@ -160,7 +160,7 @@ void ZLVWebPage::committed() {
 }
 
 void ZLVWebPage::fail(ZLVProblem::Kind kind, std::string url, std::string detail,
-                      GTlsCertificateFlags flags) {
+                      GTlsCertificateFlags flags) const {
   auto host = displayedHost(url.c_str());
   events_.failed({.kind = kind,
                   .URL = std::move(url),
@@ -169,7 +169,7 @@ void ZLVWebPage::fail(ZLVProblem::Kind kind, std::string url, std::string detail
                   .detail = std::move(detail)});
 }
 
-void ZLVWebPage::loadFailed(const char* url, const GError& error) {
+void ZLVWebPage::loadFailed(const char* url, const GError& error) const {
   const bool isReplaced =
       g_error_matches(&error, WEBKIT_NETWORK_ERROR, WEBKIT_NETWORK_ERROR_CANCELLED) != FALSE;
   const bool isRefused = error.domain == WEBKIT_POLICY_ERROR;

@@ -59,8 +59,8 @@ class ZLVWebPage {
   void connectPolicies();
   void committed();
   void fail(ZLVProblem::Kind kind, std::string url, std::string detail = {},
-            GTlsCertificateFlags flags = {});
-  void loadFailed(const char* url, const GError& error);
+            GTlsCertificateFlags flags = {}) const;
+  void loadFailed(const char* url, const GError& error) const;
   void certificateFailed(const char* url, GTlsCertificate* certificate, GTlsCertificateFlags flags);
   /// Whether it may go on.
   bool decide(WebKitPolicyDecision* decision, WebKitPolicyDecisionType type);

@@ -1,9 +1,8 @@
-#include <array>
 #include <filesystem>
 #include <string>
 #include <system_error>
 
-#include <glib.h>
+#include <gio/gio.h>
 
 #include <ZolvaCheckoutKit/Platform/GTK/Internal/ZLVGObject.h>
 #include <ZolvaCheckoutKit/Platform/GTK/Internal/ZLVWebSandbox.h>
@@ -14,21 +13,22 @@ constexpr const char* sandboxSwitch = "WEBKIT_DISABLE_SANDBOX_THIS_IS_DANGEROUS"
 /// Says that this is a Flatpak, which has a sandbox of its own.
 constexpr const char* flatpakMark = "/.flatpak-info";
 
-/// What WebKit asks of bubblewrap, in short.
-constexpr std::array attempt{"bwrap",
-                             "--die-with-parent",
-                             "--ro-bind",
-                             "/",
-                             "/",
-                             "--dev",
-                             "/dev",
-                             "--proc",
-                             "/proc",
-                             "--unshare-pid",
-                             "--unshare-uts",
-                             "--unshare-ipc",
-                             "--unshare-net",
-                             "true"};
+/// What WebKit asks of bubblewrap, in short; the null ends it.
+constexpr const char* attempt[] = {"bwrap",
+                                   "--die-with-parent",
+                                   "--ro-bind",
+                                   "/",
+                                   "/",
+                                   "--dev",
+                                   "/dev",
+                                   "--proc",
+                                   "/proc",
+                                   "--unshare-pid",
+                                   "--unshare-uts",
+                                   "--unshare-ipc",
+                                   "--unshare-net",
+                                   "true",
+                                   nullptr};
 
 /// Whether this is a Flatpak.
 ///
@@ -47,21 +47,20 @@ std::string problem() {
   std::error_code ignored;
   if (std::filesystem::exists(flatpakMark, ignored)) return std::string("remove ") + flatpakMark;
 
-  std::array<char*, attempt.size() + 1> arguments{};
-  // GLib takes the arguments as not const for C's sake and does not change them.
-  for (std::size_t i = 0; i < attempt.size(); ++i) arguments[i] = const_cast<char*>(attempt[i]);
-
-  char* output = nullptr;
   GError* error = nullptr;
-  int status = 0;
-  const bool hasRun =
-      g_spawn_sync(nullptr, arguments.data(), nullptr,
-                   static_cast<GSpawnFlags>(G_SPAWN_SEARCH_PATH | G_SPAWN_STDOUT_TO_DEV_NULL),
-                   nullptr, nullptr, nullptr, &output, &status, &error) != FALSE;
-  const ZLVGText text(output);
-  if (hasRun && g_spawn_check_wait_status(status, &error) != FALSE) return {};
-  const ZLVGError reason(error);
-  return text && *g_strstrip(text.get()) != '\0' ? text.get() : reason->message;
+  char* output = nullptr;
+  const auto process = ZLVGObject<GSubprocess>::take(
+      g_subprocess_newv(attempt,
+                        static_cast<GSubprocessFlags>(G_SUBPROCESS_FLAGS_STDOUT_SILENCE |
+                                                      G_SUBPROCESS_FLAGS_STDERR_PIPE),
+                        &error));
+  const bool hasRun = process && g_subprocess_communicate_utf8(process.get(), nullptr, nullptr,
+                                                               nullptr, &output, &error) != FALSE;
+  const ZLVGError failure(error);
+  const ZLVGText complaint(output);
+  if (!hasRun) return failure->message;
+  if (g_subprocess_get_successful(process.get()) != FALSE) return {};
+  return complaint && *complaint != '\0' ? g_strstrip(complaint.get()) : "bwrap has failed";
 }
 
 }  // namespace

@@ -3,7 +3,7 @@
 namespace {
 
 bool containsWindowControls(GtkWidget* widget) {
-  if (GTK_IS_WINDOW_CONTROLS(widget)) return true;
+  if (GTK_IS_WINDOW_CONTROLS(widget) != FALSE) return true;
   for (auto* child = gtk_widget_get_first_child(widget); child != nullptr;
        child = gtk_widget_get_next_sibling(child)) {
     if (containsWindowControls(child)) return true;
@@ -52,7 +52,7 @@ bool ZLVWindowCover::isInPlace() const {
 
 void ZLVWindowCover::disableTitlebar(GtkWidget* widget) {
   // The window's own buttons stay: it can be closed and moved as ever.
-  if (GTK_IS_WINDOW_CONTROLS(widget)) return;
+  if (GTK_IS_WINDOW_CONTROLS(widget) != FALSE) return;
   if (!containsWindowControls(widget)) {
     if (gtk_widget_get_sensitive(widget) == FALSE) return;
     disabled_.emplace_back(widget);
@@ -78,7 +78,7 @@ void ZLVWindowCover::uncover(GtkWindow* window) {
   }
   const auto focus = focus_.lock();
   if (!isInside(focus.get(), window)) return;
-  if (GTK_IS_TEXT(focus.get())) {
+  if (GTK_IS_TEXT(focus.get()) != FALSE) {
     // The other way would select the text, for the next key to replace.
     gtk_text_grab_focus_without_selecting(GTK_TEXT(focus.get()));
   } else {

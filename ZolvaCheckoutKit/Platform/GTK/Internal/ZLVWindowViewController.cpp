@@ -3,12 +3,14 @@
 
 namespace {
 
-using Owned = std::shared_ptr<ZLVViewController>;
+using Owned = ZLVUserData<std::shared_ptr<ZLVViewController>>;
 
 constexpr const char* key = "zlv-view-controller";
 
-Owned* ownedBy(GtkWindow* window) {
-  return static_cast<Owned*>(g_object_get_data(G_OBJECT(window), key));
+/// Null for a window that was not wrapped.
+std::shared_ptr<ZLVViewController> ownedBy(GtkWindow* window) {
+  auto* const owned = g_object_get_data(G_OBJECT(window), key);
+  return owned == nullptr ? nullptr : Owned::of(owned);
 }
 
 ZLVViewController& rootOf(ZLVViewController& controller) {
@@ -27,16 +29,15 @@ ZLVViewController& rootOf(ZLVViewController& controller) {
 }  // namespace
 
 std::shared_ptr<ZLVViewController> ZLVWindowViewController::ofWindow(GtkWindow* window) {
-  if (auto* owned = ownedBy(window)) return *owned;
+  if (auto owned = ownedBy(window)) return owned;
   auto controller = std::make_shared<ZLVWindowViewController>();
-  g_object_set_data_full(G_OBJECT(window), key, new Owned(controller),
-                         [](gpointer owned) { delete static_cast<Owned*>(owned); });
+  g_object_set_data_full(G_OBJECT(window), key, Owned::make(controller), &Owned::free);
   return controller;
 }
 
 std::shared_ptr<ZLVViewController> ZLVWindowViewController::rootOfWindow(GtkWindow* window) {
-  auto* owned = window == nullptr ? nullptr : ownedBy(window);
-  return owned == nullptr ? nullptr : rootOf(**owned).shared_from_this();
+  const auto owned = window == nullptr ? nullptr : ownedBy(window);
+  return owned == nullptr ? nullptr : rootOf(*owned).weak_from_this().lock();
 }
 
 GtkWindow* ZLVWindowViewController::windowOf(ZLVViewController& controller) {
@@ -44,8 +45,8 @@ GtkWindow* ZLVWindowViewController::windowOf(ZLVViewController& controller) {
   for (guint i = 0; i < g_list_model_get_n_items(windows); ++i) {
     const auto window =
         ZLVGObject<GtkWindow>::take(static_cast<GtkWindow*>(g_list_model_get_item(windows, i)));
-    auto* owned = ownedBy(window.get());
-    if (owned != nullptr && &rootOf(**owned) == &rootOf(controller)) return window.get();
+    const auto owned = ownedBy(window.get());
+    if (owned != nullptr && &rootOf(*owned) == &rootOf(controller)) return window.get();
   }
   return nullptr;
 }
