@@ -1,10 +1,13 @@
 #include "Tests/Faults/Certificates.h"
 
+#include <iterator>
+
 #include <openssl/pem.h>
 #include <openssl/x509.h>
 
 std::string Certificates::revocationList(const TLSIdentity& identity, const TLSIdentity& issuer) {
-  const auto revoked = identity.serverContext(), authority = issuer.serverContext();
+  const auto revoked = identity.serverContext();
+  const auto authority = issuer.serverContext();
   const std::unique_ptr<ASN1_TIME, decltype(&ASN1_TIME_free)> now(X509_gmtime_adj(nullptr, -60),
                                                                   &ASN1_TIME_free);
   const std::unique_ptr<X509_CRL, decltype(&X509_CRL_free)> list(X509_CRL_new(), &X509_CRL_free);
@@ -38,10 +41,12 @@ void Certificates::change(SSL_CTX& context, SSL_CTX& other) {
 }
 
 void Certificates::agreeOnHTTP2(SSL_CTX& context) {
-  const auto choose = [](SSL*, const unsigned char** chosen, unsigned char* size,
-                         const unsigned char*, unsigned int, void*) {
-    *chosen = reinterpret_cast<const unsigned char*>("h2");
-    *size = 2;
+  const auto choose = [](SSL* /*connection*/, const unsigned char** chosen, unsigned char* size,
+                         const unsigned char* /*offers*/, unsigned int /*offersSize*/,
+                         void* /*argument*/) {
+    static constexpr unsigned char protocol[] = {'h', '2'};
+    *chosen = std::data(protocol);
+    *size = std::size(protocol);
     return SSL_TLSEXT_ERR_OK;
   };
   SSL_CTX_set_alpn_select_cb(&context, choose, nullptr);

@@ -36,7 +36,7 @@ std::string gzipped(const std::string& command) {
   const std::unique_ptr<FILE, decltype(&pclose)> pipe(popen((command + " | gzip").c_str(), "r"),
                                                       &pclose);
   std::string packed;
-  for (int byte; (byte = getc(pipe.get())) != EOF;) packed += static_cast<char>(byte);
+  for (int byte = 0; (byte = getc(pipe.get())) != EOF;) packed += static_cast<char>(byte);
   return packed;
 }
 
@@ -80,8 +80,8 @@ FaultSection brokenConnections(Stage& /*stage*/) {
 }
 
 FaultSection brokenKeptConnections(Stage& /*stage*/) {
-  const auto used = [](std::string what, auto call, Then then, int times = 1) {
-    return Fault{.what = std::move(what),
+  const auto used = [](const std::string& what, auto call, Then then, int times = 1) {
+    return Fault{.what = what,
                  .reply = {"", then},
                  .times = times,
                  .call = call,
@@ -170,7 +170,7 @@ FaultSection largeAnswers(Stage& /*stage*/) {
   const std::string zeros = "head -c 100000000 /dev/zero";
   auto damaged = small;
   damaged[20] = static_cast<char>(~damaged[20]);
-  const std::string blank(64 * 1024, ' ');
+  const std::string blank(MiB / 16, ' ');
   const auto large = [&](std::size_t size) {
     return head + "Content-Length: " + std::to_string(size) + "\r\n\r\n" +
            R"({"account_id":"acc-1"})" + std::string(size - 22, ' ');

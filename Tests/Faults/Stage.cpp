@@ -30,7 +30,7 @@ long memory(const std::string& kind) {
 class MemoryCheck {
  public:
   explicit MemoryCheck(std::size_t maximumAnswerSize)
-      : allowed_(static_cast<long>(maximumAnswerSize / 1024) * 4 + 32 * 1024) {
+      : allowed_(static_cast<long>(maximumAnswerSize / 1024) * 8 + 32'768) {
     std::ofstream("/proc/self/clear_refs") << 5;  // the peak starts again
     before_ = memory("VmRSS");
   }
@@ -77,7 +77,8 @@ Stage::~Stage() {
 
 std::string Stage::play(const Fault& fault) {
   if (!fault.isCutAnywhere) return cell(fault.what) + outcome(fault) + "|\n";
-  std::string lines, last;
+  std::string lines;
+  std::string last;
   std::size_t first = 0;
   const auto size = fault.reply.bytes.size();
   for (std::size_t length = 0; length <= size + 1; ++length) {
@@ -136,7 +137,7 @@ std::string Stage::outcome(const Fault& fault) {
 
 std::string Stage::sentElsewhere() const {
   std::istringstream request(bystander_.requests().back());
-  std::string line, names;
+  std::string line;
   std::getline(request, line);
   std::string text = "Sent there: `" + line.substr(0, line.rfind(' ')) + "` with ";
   while (std::getline(request, line) && line != "\r") {
