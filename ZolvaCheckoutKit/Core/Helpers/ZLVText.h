@@ -8,8 +8,8 @@
 /// What stands for a missing object in a formatted text.
 inline constexpr std::string_view ZLVMissingObjectText = "(null)";
 
-/// `format` with each "%@" replaced by the next of `arguments`; a missing one prints as "(null)", one
-/// too many is not printed.
+/// `format` with each "%@" replaced by the next of `arguments`; a missing one prints as "(null)",
+/// one too many is not printed.
 std::string ZLVStringWithFormat(std::string_view format,
                                 std::initializer_list<std::optional<std::string_view>> arguments);
 
