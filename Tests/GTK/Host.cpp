@@ -34,7 +34,7 @@ GtkWidget* findWidget(GtkWidget* root, const std::function<bool(GtkWidget*)>& ma
 }  // namespace
 
 bool waitFor(const std::function<bool()>& condition) {
-  constexpr guint limit = 10000;
+  constexpr guint limit = 30000;
   constexpr guint tick = 5;  // for what happens outside the main loop
   bool isLate = false;
   const auto deadline = g_timeout_add(
