@@ -111,15 +111,17 @@ TEST_F(Console, SendsExactlyItsRequests) {
     EXPECT_EQ(request.header("X-CleverTap-Passcode"), "");
   }
 
-  // For each run: the merchant's profile, then the event with its short profile.
-  std::vector<std::string> names;
+  // For each run, in any order: the merchant's profile, and the event with its short profile.
+  constexpr std::size_t ofEachRun = 3;
+  Arguments names;
   for (const auto& event : sandbox.events()) {
     EXPECT_EQ(event.identity, "M-SANDBOX");
     names.push_back(event.type == "event" ? event.name : event.type);
+    if (names.size() % ofEachRun == 0) std::ranges::sort(names.end() - ofEachRun, names.end());
   }
-  EXPECT_EQ(names, (Arguments{"profile", "Enquire Account Error", "profile", "profile",
-                              "Unlink Account Error", "profile", "profile",
-                              "Create Transaction Error", "profile"}));
+  EXPECT_EQ(names,
+            (Arguments{"Enquire Account Error", "profile", "profile", "Unlink Account Error",
+                       "profile", "profile", "Create Transaction Error", "profile", "profile"}));
 }
 
 TEST_F(Console, APageEndsByCallbackByEmptyLineAndByEndOfInput) {
