@@ -181,7 +181,7 @@ void ZLVWebPage::loadFailed(const char* url, const GError& error) const {
 void ZLVWebPage::certificateFailed(const char* url, GTlsCertificate* certificate,
                                    GTlsCertificateFlags flags) {
   const auto host = hostOf(url);
-  const bool isNew = !vouched_ || !g_tls_certificate_is_same(vouched_.get(), certificate);
+  const bool isNew = !vouched_ || g_tls_certificate_is_same(vouched_.get(), certificate) == FALSE;
   if (isNew && authorities_->vouch(certificate, host)) {
     vouched_ = ZLVGObject<GTlsCertificate>::retain(certificate);
     webkit_network_session_allow_tls_certificate_for_host(session_.get(), certificate,
