@@ -1,0 +1,125 @@
+#include "Benchmarks/Comparison/Measurement.h"
+#include "Benchmarks/Comparison/Rows.h"
+
+namespace {
+
+struct Entry {
+  Make make;
+  bool isLibrary;
+  int calls;
+};
+
+/// What each entry's calls cost, taken in turn and again each round.
+std::vector<std::vector<CallCost>> costs(const Run& run, const std::vector<Entry>& entries,
+                                         int inFlight) {
+  std::vector<std::vector<CallCost>> costs(entries.size());
+  for (int round = 0; round < run.rounds; ++round) {
+    for (std::size_t i = 0; i < entries.size(); ++i) {
+      const auto numbers = inChild([&]() -> Numbers {
+        const auto& [make, isLibrary, calls] = entries[i];
+        if (isLibrary) installLibrary(libraryPlatform(run.server), run.server);
+        const auto contender = make();
+        makeCalls(*contender, run.server, calls / 10, inFlight);
+        const auto cost = makeCalls(*contender, run.server, calls, inFlight);
+        return {cost.seconds, cost.CPUSeconds};
+      });
+      costs[i].push_back({numbers.at(0), numbers.at(1)});
+    }
+  }
+  return costs;
+}
+
+double medianOf(const std::vector<CallCost>& costs, double CallCost::*member) {
+  Numbers numbers;
+  for (const auto& cost : costs) numbers.push_back(cost.*member * 1e6);
+  return median(numbers);
+}
+
+/// The median of the rounds' ratios, which a drift of the machine leaves alone.
+double ratio(const std::vector<CallCost>& costs, const std::vector<CallCost>& others,
+             double CallCost::*member) {
+  Numbers ratios;
+  for (std::size_t i = 0; i < costs.size(); ++i) {
+    ratios.push_back(costs[i].*member / others[i].*member);
+  }
+  return median(ratios);
+}
+
+constexpr auto seconds = &CallCost::seconds;
+constexpr auto CPU = &CallCost::CPUSeconds;
+
+Row atMost(const char* figure, double limit, const std::vector<CallCost>& library,
+           const std::vector<CallCost>& other, double CallCost::*member) {
+  const double value = ratio(library, other, member);
+  return {
+      figure, format("≤ %.2f", limit),
+      format("%.2f (%.1f µs, %.1f µs)", value, medianOf(library, member), medianOf(other, member)),
+      value <= limit};
+}
+
+Row ahead(const char* figure, double factor, const std::vector<CallCost>& library,
+          const std::vector<CallCost>& other, double CallCost::*member) {
+  const double value = ratio(other, library, member);
+  Row row{figure, "", format("%.2f × (%.1f µs)", value, medianOf(other, member))};
+  if (factor > 0) {
+    row.reach = format("≥ %.1f ×", factor);
+    row.isMet = value >= factor;
+  }
+  return row;
+}
+
+}  // namespace
+
+Rows speedRows(const Run& run) {
+  constexpr int calls = 2000;
+  const auto one = costs(run,
+                         {{&makeLibrary, true, calls},
+                          {&makeCurl, false, calls},
+                          {&makeSoup, false, calls},
+                          {&makeQt, false, calls / 2},
+                          {&makeSocket, false, calls},
+                          {&makeClient, true, calls}},
+                         1);
+  const auto many = costs(run,
+                          {{&makeLibrary, true, 5 * calls},
+                           {&makeCurl, false, 5 * calls},
+                           {&makeSoup, false, 2 * calls}},
+                          64);
+  const auto callsPerSecond = [](const auto& cost) { return 1e6 / medianOf(cost, seconds); };
+  const double throughput = 1 / ratio(many[0], many[1], seconds);
+  return {
+      atMost("one call at a time: latency, over raw multi", 1.10, one[0], one[1], seconds),
+      atMost("one call at a time: CPU, over raw multi", 1.10, one[0], one[1], CPU),
+      {"64 in flight: calls/s, over raw multi", "≥ 0.90",
+       format("%.2f (%.0f, %.0f)", throughput, callsPerSecond(many[0]), callsPerSecond(many[1])),
+       throughput >= 0.90},
+      atMost("64 in flight: CPU per call, over raw multi", 1.10, many[0], many[1], CPU),
+      ahead("ahead of libsoup, latency", 1.8, one[0], one[2], seconds),
+      ahead("ahead of Qt, latency", 3.5, one[0], one[3], seconds),
+      ahead("ahead of libsoup, CPU", 0, one[0], one[2], CPU),
+      ahead("ahead of Qt, CPU", 0, one[0], one[3], CPU),
+      ahead("ahead of libsoup, 64 in flight", 0, many[0], many[2], seconds),
+      ahead("ahead of a raw blocking socket, latency", 0, one[0], one[4], seconds),
+      ahead("the same with the client's usage event, a second call: latency", 0, one[0], one[5],
+            seconds),
+  };
+}
+
+Rows loadRows(const Run& run) {
+  constexpr int calls = 5000;
+  constexpr double allowed = 1.15;
+  std::vector<std::vector<std::vector<CallCost>>> loads;
+  std::string library;
+  std::string raw;
+  double growth = 0;
+  for (const int inFlight : {1, 10, 100, 1000}) {
+    const auto& load = loads.emplace_back(
+        costs(run, {{&makeLibrary, true, calls}, {&makeCurl, false, calls}}, inFlight));
+    for (const auto& before : loads) growth = std::max(growth, ratio(load[0], before[0], CPU));
+    library += format(" %.1f", medianOf(load[0], CPU));
+    raw += format(" %.1f", medianOf(load[1], CPU));
+  }
+  return {{"1, 10, 100, 1,000 in flight: CPU per call never grows by more than", "≤ 1.15",
+           format("%.2f (µs:%s; raw multi:%s)", growth, library.c_str(), raw.c_str()),
+           growth <= allowed}};
+}

@@ -1,0 +1,187 @@
+#include "Benchmarks/Support/Server.h"
+
+#include <array>
+#include <cerrno>
+#include <charconv>
+#include <csignal>
+#include <cstdlib>
+#include <system_error>
+#include <unordered_map>
+
+#include <netinet/in.h>
+#include <netinet/tcp.h>
+#include <sys/epoll.h>
+#include <sys/prctl.h>
+#include <sys/socket.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace {
+
+int checked(int result, const char* call) {
+  if (result < 0) throw std::system_error(errno, std::generic_category(), call);
+  return result;
+}
+
+/// The size of the first request in `text`, body included, or 0 while it is not whole.
+std::size_t requestSize(std::string_view text) {
+  constexpr std::string_view end = "\r\n\r\n";
+  constexpr std::string_view lengthField = "Content-Length: ";
+  const auto headSize = text.find(end);
+  if (headSize == std::string_view::npos) return 0;
+  std::size_t bodySize = 0;
+  const auto field = text.substr(0, headSize).find(lengthField);
+  if (field != std::string_view::npos) {
+    std::from_chars(text.data() + field + lengthField.size(), text.data() + headSize, bodySize);
+  }
+  const auto size = headSize + end.size() + bodySize;
+  return size <= text.size() ? size : 0;
+}
+
+std::string_view pathOf(std::string_view request) {
+  const auto start = request.find(' ') + 1;
+  return request.substr(start, request.find(' ', start) - start);
+}
+
+class Server {
+ public:
+  explicit Server(const Answers& answers)
+      : answers_(answers),
+        epoll_(checked(epoll_create1(0), "epoll_create1")),
+        listener_(checked(socket(AF_INET, SOCK_STREAM | SOCK_NONBLOCK, 0), "socket")) {
+    sockaddr_in address{};
+    address.sin_family = AF_INET;
+    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    socklen_t size = sizeof address;
+    auto* const name = reinterpret_cast<sockaddr*>(&address);
+    checked(bind(listener_, name, size), "bind");
+    checked(listen(listener_, SOMAXCONN), "listen");
+    checked(getsockname(listener_, name, &size), "getsockname");
+    port_ = ntohs(address.sin_port);
+    watch(listener_, EPOLLIN, EPOLL_CTL_ADD);
+  }
+
+  [[nodiscard]] int port() const { return port_; }
+
+  [[noreturn]] void run() {
+    for (std::array<epoll_event, 256> events{};;) {
+      const int count = epoll_wait(epoll_, events.data(), events.size(), -1);
+      for (int i = 0; i < count; ++i) {
+        const int ready = events[static_cast<std::size_t>(i)].data.fd;
+        if (ready == listener_) {
+          accept();
+        } else if (!serve(connections_.at(ready))) {
+          hangUp(connections_.at(ready));
+        }
+      }
+    }
+  }
+
+ private:
+  struct Connection {
+    int socket;
+    std::string input = {};
+    std::string_view output = {};
+    Answer::Then then = Answer::Then::Keep;
+  };
+
+  void watch(int descriptor, unsigned events, int operation) const {
+    epoll_event event{};
+    event.events = events;
+    event.data.fd = descriptor;
+    checked(epoll_ctl(epoll_, operation, descriptor, &event), "epoll_ctl");
+  }
+
+  void accept() {
+    for (int client = 0; (client = accept4(listener_, nullptr, nullptr, SOCK_NONBLOCK)) >= 0;) {
+      const int yes = 1;
+      setsockopt(client, IPPROTO_TCP, TCP_NODELAY, &yes, sizeof yes);
+      connections_.emplace(client, Connection{client});
+      watch(client, EPOLLIN, EPOLL_CTL_ADD);
+    }
+  }
+
+  void hangUp(const Connection& connection) {
+    const int descriptor = connection.socket;
+    if (connection.then == Answer::Then::Reset) {
+      const linger atOnce{1, 0};
+      setsockopt(descriptor, SOL_SOCKET, SO_LINGER, &atOnce, sizeof atOnce);
+    }
+    close(descriptor);
+    connections_.erase(descriptor);
+  }
+
+  /// Writes what is left, or reads and answers what has come; false when the connection is over.
+  bool serve(Connection& connection) const {
+    if (!connection.output.empty()) return flush(connection, true);
+    std::array<char, 16384> bytes;  // NOLINT(*-member-init): filled by recv
+    const auto count = recv(connection.socket, bytes.data(), bytes.size(), 0);
+    if (count <= 0) return count < 0 && errno == EAGAIN;
+    connection.input.append(bytes.data(), static_cast<std::size_t>(count));
+    const auto size = requestSize(connection.input);
+    if (size == 0) return true;
+    const auto answer = answers_(pathOf(connection.input));
+    connection.output = answer.bytes;
+    connection.then = answer.then;
+    connection.input.erase(0, size);
+    return flush(connection, false);
+  }
+
+  bool flush(Connection& connection, bool isWatched) const {
+    auto& output = connection.output;
+    while (!output.empty()) {
+      const auto count = send(connection.socket, output.data(), output.size(), MSG_NOSIGNAL);
+      if (count < 0 && errno != EAGAIN) return false;
+      if (count < 0) {
+        if (!isWatched) watch(connection.socket, EPOLLOUT, EPOLL_CTL_MOD);
+        return true;
+      }
+      output.remove_prefix(static_cast<std::size_t>(count));
+    }
+    if (isWatched) watch(connection.socket, EPOLLIN, EPOLL_CTL_MOD);
+    return connection.then == Answer::Then::Keep;
+  }
+
+  const Answers& answers_;
+  int epoll_;
+  int listener_;
+  int port_ = 0;
+  std::unordered_map<int, Connection> connections_;
+};
+
+}  // namespace
+
+void serveHTTP(const Answers& answers, const TellPort& tellPort) {
+  Server server(answers);
+  tellPort(server.port());
+  server.run();
+}
+
+std::string response(std::string_view body) {
+  std::string text = "HTTP/1.1 200 OK\r\nContent-Type: application/json\r\nContent-Length: ";
+  return text.append(std::to_string(body.size())).append("\r\n\r\n").append(body);
+}
+
+ForkedServer::ForkedServer(const std::function<void(const TellPort&)>& serve) {
+  std::array<int, 2> channel{};
+  checked(pipe(channel.data()), "pipe");
+  const pid_t parent = getpid();
+  process_ = checked(fork(), "fork");
+  if (process_ == 0) {
+    prctl(PR_SET_PDEATHSIG, SIGKILL);
+    if (getppid() == parent) {
+      serve([&channel](int port) {
+        checked(write(channel[1], &port, sizeof port) > 0 ? 0 : -1, "write");
+      });
+    }
+    _exit(EXIT_FAILURE);
+  }
+  close(channel[1]);
+  checked(read(channel[0], &port_, sizeof port_) == sizeof port_ ? 0 : -1, "server");
+  close(channel[0]);
+}
+
+ForkedServer::~ForkedServer() {
+  kill(process_, SIGKILL);
+  waitpid(process_, nullptr, 0);
+}
