@@ -118,7 +118,8 @@ TEST_F(Library, TenThousandCallsUnderRandomFaultsAnswerTenThousandTimes) {
 
   const auto mainThread = std::this_thread::get_id();
   std::vector<int> answers(calls);
-  int started = 0, answered = 0;
+  int started = 0;
+  int answered = 0;
   std::function<void()> startNext = [&] {
     const auto call = static_cast<std::size_t>(started++);
     const auto done = [&, call](const auto& record, const std::optional<ZLVError>& error) {

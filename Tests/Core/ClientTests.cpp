@@ -133,8 +133,10 @@ TEST_F(Client, RecordsTheEventBeforeItCompletes) {
 }
 
 TEST_F(Client, ChoosesThePage) {
-  const std::string good = "https://wallet.test/1", other = "https://wallet.test/2";
-  const std::string wanted = "activation-deeplink", verify = "user-verification";
+  const std::string good = "https://wallet.test/1";
+  const std::string other = "https://wallet.test/2";
+  const std::string wanted = "activation-deeplink";
+  const std::string verify = "user-verification";
   const Journal passedThrough{"Link Account Success", "completion"};
   const Journal refused{"Link Account Error", "completion"};
   const auto shown = [](const std::string& url) {
@@ -288,8 +290,8 @@ TEST_F(Client, MissingArgumentsAreFaultsBeforeAnythingIsSent) {
   const auto transaction = std::make_shared<ZLVTransactionDetails>();
   const auto customer = std::make_shared<ZLVCustomerDetails>();
   const ZLVRecords<ZLVItemDetails> holes(1);
-  const auto createWith = [&](std::optional<std::string> type, auto z, auto t, auto c, auto items) {
-    ZLVClient::createTransactionWithPaymentType(std::move(type), nullptr, z, t, c, items,
+  const auto createWith = [&](const ZLVClient::Text& type, auto z, auto t, auto c, auto items) {
+    ZLVClient::createTransactionWithPaymentType(type, nullptr, z, t, c, items,
                                                 note<ZLVTransactionResult>());
   };
   const std::shared_ptr<ZLVZolvaDetails> noZolva;

@@ -25,10 +25,11 @@ class Network : public testing::Test {
   template <class Respond>
   std::string outcome(std::shared_ptr<ZLVNetworkService> call, Respond respond) {
     std::vector<std::string> outcomes;
-    network.request(std::move(call), [&](ZLVValue answer, std::optional<ZLVError> error) {
-      EXPECT_NE(answer.isAbsent(), !error);
-      outcomes.push_back(error ? error->debugDescription() : answer.description());
-    });
+    network.request(std::move(call),
+                    [&](const ZLVValue& answer, const std::optional<ZLVError>& error) {
+                      EXPECT_NE(answer.isAbsent(), !error);
+                      outcomes.push_back(error ? error->debugDescription() : answer.description());
+                    });
     auto& tasks =
         platform.session.merchant.empty() ? platform.session.analytics : platform.session.merchant;
     if (!tasks.empty()) respond(tasks.back());
@@ -76,10 +77,11 @@ TEST(RequestBuilder, MethodsBodiesAndHeaders) {
                           {"X-CleverTap-Account-Id", "T48-213-K06W"},
                           {"X-CleverTap-Passcode", "QWB-LNA-RJTH"}};
   struct Case {
-    ZLVHTTPMethod method;
+    ZLVHTTPMethod method{};
     ZLVValue parameters;
-    std::uint64_t type;
-    const char *sentMethod, *sentURL;
+    std::uint64_t type = 0;
+    const char* sentMethod = nullptr;
+    const char* sentURL = nullptr;
     std::optional<std::string> body;
     const Headers& headers;
   };

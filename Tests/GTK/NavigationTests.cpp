@@ -126,7 +126,7 @@ TEST(Navigation, KeepsToTheView) {
 
       host.clickElement("#try");
       const bool tells =
-          content.find("tried = true") != content.npos || content.find("/timer") != content.npos;
+          content.find("tried = true") != std::string::npos || content.find("/timer") != std::string::npos;
       EXPECT_TRUE(!tells || waitFor([&] { return host.evaluate("tried") == "true"; }));
       const auto& expected = attempt.openedURLs;
       EXPECT_TRUE(waitFor([&] { return host.openedURLs().size() >= seen + expected.size(); }));

@@ -4,6 +4,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <list>
 #include <thread>
 #include <vector>
 
@@ -70,7 +71,7 @@ TEST(SessionLife, ServesManyCallersAtOnce) {
     return Reply{RawServer::response(request.substr(0, request.find(" HTTP")))};
   });
   const auto session = makeSession();
-  std::vector<std::thread> callers;
+  std::list<std::thread> callers;
   for (int caller = 0; caller < 4; ++caller) {
     callers.emplace_back([&, caller] {
       std::vector<std::pair<std::string, std::future<ZLVURLAnswer>>> answers;

@@ -204,7 +204,7 @@ TEST(Session, RefusesWhatItCannotSend) {
 TEST(Session, TellsHowACallFailed) {
   struct Case {
     Reply reply;
-    int error;
+    int error = 0;
   };
   const std::string partial = "HTTP/1.1 200 OK\r\nContent-Length: 10\r\n\r\n12345";
   const Case cases[] = {
@@ -259,7 +259,9 @@ std::string gzipped(std::size_t size) {
   const auto command = "head -c " + std::to_string(size) + " /dev/zero | tr '\\0' x | gzip";
   const std::unique_ptr<FILE, decltype(&pclose)> pipe(popen(command.c_str(), "r"), &pclose);
   std::string packed;
-  for (int byte; (byte = getc(pipe.get())) != EOF;) packed += static_cast<char>(byte);
+  for (int byte = getc(pipe.get()); byte != EOF; byte = getc(pipe.get())) {
+    packed += static_cast<char>(byte);
+  }
   return packed;
 }
 

@@ -66,7 +66,7 @@ SilentListener::SilentListener() : socket_(::socket(AF_INET, SOCK_STREAM | SOCK_
   sockaddr_in address{};
   address.sin_family = AF_INET;
   address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-  auto* name = reinterpret_cast<sockaddr*>(&address);
+  auto* name = reinterpret_cast<sockaddr*>(&address);  // NOLINT(*-reinterpret-cast)
   socklen_t size = sizeof address;
   if (bind(socket_, name, size) != 0 || listen(socket_, SOMAXCONN) != 0 ||
       getsockname(socket_, name, &size) != 0) {
@@ -105,7 +105,8 @@ std::vector<std::string> RawServer::requests() const {
 void RawServer::stopListening() { shutdown(listener_.socket(), SHUT_RDWR); }
 
 void RawServer::accept() {
-  for (int socket; (socket = accept4(listener_.socket(), nullptr, nullptr, SOCK_CLOEXEC)) >= 0;) {
+  for (int socket = 0;
+       (socket = accept4(listener_.socket(), nullptr, nullptr, SOCK_CLOEXEC)) >= 0;) {
     ++connections_;
     const std::lock_guard lock(mutex_);
     auto& connection = open_.emplace_back();
@@ -151,7 +152,7 @@ void RawServer::serve(Connection& connection) {
     // Dissolving the association resets the connection; see connect(2).
     sockaddr unspecified{};
     unspecified.sa_family = AF_UNSPEC;
-    connect(connection.socket, &unspecified, sizeof unspecified);
+    (void)connect(connection.socket, &unspecified, sizeof unspecified);
   }
   shutdown(connection.socket, SHUT_RDWR);
 }

@@ -1,6 +1,7 @@
 #include "TLSIdentity.h"
 
 #include <atomic>
+#include <vector>
 
 #include <openssl/evp.h>
 #include <openssl/pem.h>
@@ -28,8 +29,9 @@ TLSIdentity::TLSIdentity(const Subject& subject, const TLSIdentity* issuer)
   X509_set_pubkey(certificate, key_.get());
 
   const std::string name = "test " + std::to_string(serial);
-  X509_NAME_add_entry_by_txt(X509_get_subject_name(certificate), "CN", MBSTRING_ASC,
-                             reinterpret_cast<const unsigned char*>(name.c_str()), -1, -1, 0);
+  const std::vector<unsigned char> bytes(name.begin(), name.end());
+  X509_NAME_add_entry_by_txt(X509_get_subject_name(certificate), "CN", MBSTRING_ASC, bytes.data(),
+                             static_cast<int>(bytes.size()), -1, 0);
   const X509* signer = issuer == nullptr ? certificate : issuer->certificate_.get();
   X509_set_issuer_name(certificate, X509_get_subject_name(signer));
   addExtension(certificate, NID_basic_constraints,
