@@ -1,3 +1,4 @@
+#include <charconv>
 #include <cmath>
 #include <cstdint>
 #include <utility>
@@ -82,7 +83,9 @@ class ValueBuilder {
   bool on_number_part(json::string_view, json::error_code&) { return true; }
   bool on_int64(std::int64_t number, json::string_view, json::error_code&) { return add(number); }
   bool on_uint64(std::uint64_t number, json::string_view, json::error_code&) { return add(number); }
-  bool on_double(double number, json::string_view, json::error_code& error) {
+  bool on_double(double number, json::string_view text, json::error_code& error) {
+    // The parser rounds more than once; its number stays only where it is too large or too small.
+    std::from_chars(text.data(), text.data() + text.size(), number);
     if (std::isfinite(number)) return add(number);
     error = json::error::exponent_overflow;
     return false;
