@@ -13,6 +13,13 @@ namespace {
 /// Less than any libcurl accepts, so that all of them refuse the same.
 constexpr std::size_t maximumHeaderSize = std::size_t{256} * 1024;
 
+/// libcurl lets less pass.
+constexpr long leastStatus = 100;
+
+/// Less than libcurl's limit by the longest cookie that it keeps: where not even the first cookie
+/// fits behind the URL, it leaves the header unfinished, and the server waits for the rest.
+constexpr std::size_t maximumURLSizeWithCookies = 3500;
+
 ZLVCurlTransfer::Clock::duration interval(double seconds) {
   // Within what the clock can count; a value that is no number becomes the least.
   const std::chrono::duration<double> bounded(std::min(std::max(0.001, seconds), 1e8));
@@ -187,7 +194,6 @@ void ZLVCurlTransfer::setCallOptions() {
   set(CURLOPT_PROTOCOLS_STR, "http,https");
   set(CURLOPT_PATH_AS_IS, 1L);
   set(CURLOPT_ACCEPT_ENCODING, "");
-  set(CURLOPT_SHARE, configuration_->share);
   set(CURLOPT_COOKIEFILE, "");
 
   // A request with effects goes out once: libcurl asks these two when it wants to send it again,
@@ -220,6 +226,10 @@ void ZLVCurlTransfer::setCallOptions() {
 
 void ZLVCurlTransfer::setHopOptions() {
   set(CURLOPT_URL, hop_.url.text.c_str());
+  // The host stands in the header twice.
+  const bool takesCookies =
+      hop_.url.text.size() + hop_.url.host.size() <= maximumURLSizeWithCookies;
+  set(CURLOPT_SHARE, takesCookies ? configuration_->share : nullptr);
   set(CURLOPT_PROXY, hop_.url.isLoopback() ? "" : nullptr);  // null is the environment's
 
   set(CURLOPT_HTTPGET, 1L);
@@ -251,6 +261,7 @@ void ZLVCurlTransfer::conclude(CURLcode result) {
   if (result == CURLE_OK) {
     long status = 0;
     curl_easy_getinfo(handle(), CURLINFO_RESPONSE_CODE, &status);
+    if (status < leastStatus) return fail(NSURLErrorBadServerResponse);
     answer_.statusCode = static_cast<int>(status);
     return;
   }
