@@ -46,7 +46,7 @@ TEST(MainQueue, PassesExceptionsOnAndStaysUsable) {
   {
     ZLVGTKMainQueue queue([&](std::exception_ptr exception) {
       try {
-        std::rethrow_exception(exception);
+        std::rethrow_exception(std::move(exception));
       } catch (const std::exception& error) {
         caught += error.what();
       }

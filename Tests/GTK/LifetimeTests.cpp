@@ -1,5 +1,6 @@
 // However a browser ends, the host learns of it once and nothing stays behind.
 
+#include <algorithm>
 #include <fstream>
 
 #include <gtest/gtest.h>
@@ -23,10 +24,9 @@ class Merchant {
 
   [[nodiscard]] std::string url() const { return server_.url(""); }
   [[nodiscard]] bool hasServed(const std::string& start) const {
-    for (const auto& request : server_.requests()) {
-      if (request.starts_with(start)) return true;
-    }
-    return false;
+    return std::ranges::any_of(server_.requests(), [&start](const std::string& request) {
+      return request.starts_with(start);
+    });
   }
 
  private:
@@ -152,7 +152,7 @@ TEST(Browser, EndsWhenItWasBarelyShownOrNotAtAll) {
     EXPECT_EQ(ended, 1);
     // Of a view controller that no window shows, the user would never get rid.
     const auto stray = std::make_shared<ZLVViewController>();
-    host.present(stray, "http://127.0.0.1:9/", &ended);
+    Host::present(stray, "http://127.0.0.1:9/", &ended);
     EXPECT_EQ(ended, 1);
     EXPECT_TRUE(waitFor([&] { return ended == 2; }));
     EXPECT_TRUE(host.waitUntilClosed());
@@ -162,7 +162,8 @@ TEST(Browser, EndsWhenItWasBarelyShownOrNotAtAll) {
 /// The memory of this process, in KiB.
 long residentMemory() {
   std::ifstream statistics("/proc/self/statm");
-  long total = 0, resident = 0;
+  long total = 0;
+  long resident = 0;
   statistics >> total >> resident;
   return resident * (sysconf(_SC_PAGESIZE) / 1024);
 }
@@ -170,7 +171,8 @@ long residentMemory() {
 TEST(Browser, LeavesNothingBehindAfterThirtyVisits) {
   Host host;
   const RawServer server([](auto&) { return page("<p>page"); });
-  int ended = 0, living = 0;
+  int ended = 0;
+  int living = 0;
   const auto count = [&](gpointer object) {
     ++living;
     g_object_weak_ref(
@@ -190,7 +192,7 @@ TEST(Browser, LeavesNothingBehindAfterThirtyVisits) {
       EXPECT_EQ(living, 0);
       if (visit == 10) warm = residentMemory();
     }
-    constexpr long tolerance = 8 * 1024;
+    constexpr long tolerance = 8192;
     EXPECT_LT(residentMemory(), warm + tolerance);
   });
 }

@@ -33,10 +33,10 @@ RawServer::Reply hello(const std::string& /*request*/) { return {RawServer::resp
 
 TEST_F(SecureSession, ChecksCertificates) {
   struct Case {
-    const char* what;
+    const char* what = nullptr;
     TLSIdentity identity;
-    bool isTrusting;
-    int error;
+    bool isTrusting = false;
+    int error = 0;
   };
   const TLSIdentity* issuer = &authority_;
   const Case cases[] = {

@@ -22,7 +22,9 @@ std::array<int, 2> makePipe() {
 
 ChildProcess::ChildProcess(std::vector<std::string> command) {
   ::signal(SIGPIPE, SIG_IGN);
-  const auto input = makePipe(), output = makePipe(), error = makePipe();
+  const auto input = makePipe();
+  const auto output = makePipe();
+  const auto error = makePipe();
   posix_spawn_file_actions_t actions;
   posix_spawn_file_actions_init(&actions);
   posix_spawn_file_actions_adddup2(&actions, input[0], STDIN_FILENO);
@@ -30,6 +32,7 @@ ChildProcess::ChildProcess(std::vector<std::string> command) {
   posix_spawn_file_actions_adddup2(&actions, error[1], STDERR_FILENO);
 
   std::vector<char*> arguments;
+  arguments.reserve(command.size() + 1);
   for (auto& argument : command) arguments.push_back(argument.data());
   arguments.push_back(nullptr);
   const int failure =
@@ -66,7 +69,8 @@ void ChildProcess::signal(int number) const { kill(pid_, number); }
 ChildProcess::Result ChildProcess::finish() {
   closeInput();
   // Both streams at once, so that the child never waits for one while the other is read.
-  bool isOutputOpen = true, isErrorOpen = true;
+  bool isOutputOpen = true;
+  bool isErrorOpen = true;
   while (isOutputOpen || isErrorOpen) {
     std::array<pollfd, 2> streams{{{isOutputOpen ? output_.descriptor : -1, POLLIN, 0},
                                    {isErrorOpen ? error_.descriptor : -1, POLLIN, 0}}};
