@@ -135,7 +135,8 @@ TEST_F(Console, ClosesThePageOnTopLater) {
   testing::internal::CaptureStderr();
   EXPECT_FALSE(interface_.closeBrowser());
   const auto first = show("https://wallet.example/1");
-  auto hidden = show("https://wallet.example/2"), gone = show("https://wallet.example/3");
+  auto hidden = show("https://wallet.example/2");
+  auto gone = show("https://wallet.example/3");
   EXPECT_TRUE(interface_.openURL(*ZLVURL::URLWithString("zolvademo://x")));
   EXPECT_EQ(testing::internal::GetCapturedStderr(),
             "open https://wallet.example/1\nopen https://wallet.example/2\n"
@@ -157,7 +158,8 @@ TEST_F(Console, StartsTheCommandWithoutShellOrZombie) {
   const auto folder =
       std::filesystem::temp_directory_path() / ("zolva-" + std::to_string(getpid()));
   std::filesystem::create_directory(folder);
-  const auto pipe = folder / "pipe", program = folder / "a command";
+  const auto pipe = folder / "pipe";
+  const auto program = folder / "a command";
   ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
   std::ofstream(program) << "#!/bin/sh\nexec >'" << pipe.string() << "'\necho \"$$ $# $1\"\ncat\n";
   std::filesystem::permissions(program, std::filesystem::perms::owner_all);
