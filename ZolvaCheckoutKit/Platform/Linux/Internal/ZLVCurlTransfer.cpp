@@ -13,8 +13,8 @@ namespace {
 /// Less than any libcurl accepts, so that all of them refuse the same.
 constexpr std::size_t maximumHeaderSize = std::size_t{256} * 1024;
 
-/// libcurl lets less pass.
-constexpr long leastStatus = 100;
+/// libcurl lets any number pass.
+constexpr bool isStatus(long number) { return number >= 100 && number <= 999; }
 
 /// Less than libcurl's limit by the longest cookie that it keeps: where not even the first cookie
 /// fits behind the URL, it leaves the header unfinished, and the server waits for the rest.
@@ -261,7 +261,7 @@ void ZLVCurlTransfer::conclude(CURLcode result) {
   if (result == CURLE_OK) {
     long status = 0;
     curl_easy_getinfo(handle(), CURLINFO_RESPONSE_CODE, &status);
-    if (status < leastStatus) return fail(NSURLErrorBadServerResponse);
+    if (!isStatus(status)) return fail(NSURLErrorBadServerResponse);
     answer_.statusCode = static_cast<int>(status);
     return;
   }
