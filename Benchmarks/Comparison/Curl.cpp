@@ -49,9 +49,13 @@ class Curl final : public Contender {
 
   /// An empty URL ends the thread.
   void add(std::string url) {
-    const std::lock_guard lock(mutex_);
-    added_.push_back(std::move(url));
-    if (added_.size() == 1) curl_multi_wakeup(multi_);
+    bool isFirst = false;
+    {
+      const std::lock_guard lock(mutex_);
+      added_.push_back(std::move(url));
+      isFirst = added_.size() == 1;
+    }
+    if (isFirst) curl_multi_wakeup(multi_);
   }
 
   void work() {

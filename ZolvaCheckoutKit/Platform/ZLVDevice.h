@@ -22,9 +22,9 @@ struct ZLVThreadUsage {
 
 /// Facts about the device and the host application.
 ///
-/// Every operation asks the system afresh, returns at once (`threads` may take a few milliseconds),
+/// Every operation tells what holds now, returns at once (`threads` may take a few milliseconds),
 /// may be called on any thread, also on several at once, and must not throw. Nothing is returned
-/// where the system does not know.
+/// where the system does not know. Each call of the library asks, on the main thread too.
 class ZLV_EXPORT ZLVDevice {
  public:
   virtual ~ZLVDevice() = default;

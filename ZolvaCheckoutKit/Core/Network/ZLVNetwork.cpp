@@ -29,7 +29,9 @@ void log(std::string_view format,
   ZLVPlatform::installed("log").systemLog->log(ZLVOneLine(ZLVStringWithFormat(format, arguments)));
 }
 
-void logExchange(const ZLVURLRequest& request, const ZLVURLAnswer& answer) {
+/// The request is built once more rather than kept: most calls are not logged.
+void logExchange(const ZLVNetworkService& service, const ZLVURLAnswer& answer) {
+  const auto request = ZLVRequestBuilder::buildRequestFrom(service);
   ZLVDictionary header;
   for (const auto& [name, value] : request.allHTTPHeaderFields) header.set(name, value);
   std::optional<std::string_view> url;
@@ -100,12 +102,12 @@ ZLVNetwork::ZLVNetwork() : session_(ZLVPlatform::installed("ZLVNetwork").makeURL
 void ZLVNetwork::request(std::shared_ptr<const ZLVNetworkService> service,
                          Completion::Handler completion) {
   auto request = ZLVRequestBuilder::buildRequestFrom(*service);
-  auto respond = [service = std::move(service), request,
+  auto respond = [service = std::move(service),
                   completion =
                       Completion(std::move(completion))](const ZLVURLAnswer& answer) mutable {
     if (ZLVVendor::shared().isLoggingEnabled() &&
         service->serviceType() == ZLVServiceTypeMerchant) {
-      logExchange(request, answer);
+      logExchange(*service, answer);
     }
     if (completion) deliver(judge(answer), std::move(completion));
   };

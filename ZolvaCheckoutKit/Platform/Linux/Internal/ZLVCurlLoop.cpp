@@ -10,6 +10,10 @@
 
 namespace {
 
+/// As many as calls of a busy host are under way. Making a handle costs more than using it, and
+/// keeping one some kilobytes.
+constexpr std::size_t maximumIdleHandles = 64;
+
 /// The host's signal handlers run on the host's threads, and a broken connection does not end the
 /// process by SIGPIPE. What the thread itself does wrong is still reported.
 void blockSignals() {
@@ -31,9 +35,14 @@ void ZLVCurlLoop::start() {
 }
 
 void ZLVCurlLoop::add(std::unique_ptr<ZLVCurlTransfer> transfer) {
-  const std::lock_guard lock(mutex_);
-  added_.push_back(std::move(transfer));
-  if (added_.size() == 1 && multi_ != nullptr) curl_multi_wakeup(multi_);
+  CURLM* sleeping = nullptr;
+  {
+    const std::lock_guard lock(mutex_);
+    added_.push_back(std::move(transfer));
+    if (added_.size() == 1) sleeping = multi_;
+  }
+  // The thread wants the lock as soon as it is awake.
+  if (sleeping != nullptr) curl_multi_wakeup(sleeping);
 }
 
 void ZLVCurlLoop::end(End how) {
@@ -79,6 +88,7 @@ void ZLVCurlLoop::setUp() {
 
 void ZLVCurlLoop::tearDown() {
   while (!transfers_.empty()) fail(transfers_.begin()->first, NSURLErrorCancelled);
+  idle_.clear();
   const std::lock_guard lock(mutex_);
   curl_multi_cleanup(std::exchange(multi_, nullptr));
   curl_share_cleanup(configuration_.share);
@@ -97,8 +107,14 @@ ZLVCurlLoop::End ZLVCurlLoop::takeAdded() {
 }
 
 void ZLVCurlLoop::begin(std::unique_ptr<ZLVCurlTransfer> transfer) {
-  if (!transfer->start(configuration_)) return transfer->complete();
+  ZLVCurlTransfer::Handle used;
+  if (!idle_.empty()) {
+    used = std::move(idle_.back());
+    idle_.pop_back();
+  }
+  if (!transfer->start(configuration_, std::move(used))) return transfer->complete();
   CURL* handle = transfer->handle();
+  nextDeadline_ = std::min(nextDeadline_, transfer->deadline());
   transfers_.emplace(handle, std::move(transfer));
   send(handle);
 }
@@ -129,20 +145,30 @@ void ZLVCurlLoop::takeDone() {
     CURL* handle = message->easy_handle;
     const CURLcode result = message->data.result;  // NOLINT(*-union-access): libcurl's
     curl_multi_remove_handle(multi_, handle);
-    const auto transfer = transfers_.find(handle);
-    if (transfer->second->continueAfter(result)) {
+    const auto entry = transfers_.find(handle);
+    if (entry->second->continueAfter(result)) {
       send(handle);
-    } else {
-      transfers_.extract(transfer).mapped()->complete();
+      continue;
     }
+    const auto transfer = std::move(transfers_.extract(entry).mapped());
+    if (auto used = transfer->takeHandle(); used && idle_.size() < maximumIdleHandles) {
+      idle_.push_back(std::move(used));
+    }
+    transfer->complete();
   }
 }
 
 void ZLVCurlLoop::failIdle() {
   const auto now = Clock::now();
+  if (now < nextDeadline_) return;
+  nextDeadline_ = Clock::time_point::max();
   std::vector<CURL*> idle;
   for (const auto& [handle, transfer] : transfers_) {
-    if (transfer->deadline() <= now) idle.push_back(handle);
+    if (transfer->deadline() <= now) {
+      idle.push_back(handle);
+    } else {
+      nextDeadline_ = std::min(nextDeadline_, transfer->deadline());
+    }
   }
   for (CURL* handle : idle) fail(handle, NSURLErrorTimedOut);
 }
@@ -155,10 +181,7 @@ void ZLVCurlLoop::fail(CURL* handle, NSURLError code) {
 }
 
 int ZLVCurlLoop::pollMilliseconds() const {
-  auto deadline = Clock::now() + std::chrono::hours(1);
-  for (const auto& [handle, transfer] : transfers_) {
-    deadline = std::min(deadline, transfer->deadline());
-  }
-  const auto wait = std::chrono::ceil<std::chrono::milliseconds>(deadline - Clock::now());
-  return static_cast<int>(std::max<std::chrono::milliseconds::rep>(wait.count(), 0));
+  const auto now = Clock::now();
+  const auto moment = std::clamp(nextDeadline_, now, now + std::chrono::hours(1));
+  return static_cast<int>(std::chrono::ceil<std::chrono::milliseconds>(moment - now).count());
 }

@@ -57,6 +57,10 @@ class ZLVCurlLoop {
   std::optional<std::string> CAFile_;
   std::optional<ZLVCertificateBundle> bundle_;
   std::unordered_map<CURL*, std::unique_ptr<ZLVCurlTransfer>> transfers_;
+  std::vector<ZLVCurlTransfer::Handle> idle_;  // of transfers that are over
+  /// No call's deadline is earlier. Deadlines only move to later moments, so that the calls need
+  /// not be looked at before.
+  Clock::time_point nextDeadline_ = Clock::time_point::max();
   /// The first of the calls to a server, and those that wait because they may share its connection.
   /// libcurl itself (CURLOPT_PIPEWAIT) would let them hold up the calls to other servers.
   struct Waiting {

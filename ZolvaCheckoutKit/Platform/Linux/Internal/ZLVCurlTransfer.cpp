@@ -101,7 +101,7 @@ ZLVCurlTransfer::ZLVCurlTransfer(ZLVURLRequest request, ZLVURLSession::Completio
       handler_(std::move(handler)),
       timeoutInterval_(interval(request_.timeoutInterval)) {}
 
-bool ZLVCurlTransfer::start(const ZLVCurlConfiguration& configuration) {
+bool ZLVCurlTransfer::start(const ZLVCurlConfiguration& configuration, Handle used) {
   configuration_ = &configuration;
   if (const auto& url = request_.URL) {
     hop_.url = {.text = url->absoluteString(), .scheme = url->scheme()};
@@ -112,8 +112,12 @@ bool ZLVCurlTransfer::start(const ZLVCurlConfiguration& configuration) {
   hop_.method = std::move(request_.HTTPMethod);
   hop_.headers = std::move(request_.allHTTPHeaderFields);
   hop_.body = std::move(request_.HTTPBody);
-  handle_.reset(curl_easy_init());
-  if (handle_ == nullptr) setting_ = CURLE_OUT_OF_MEMORY;
+  handle_ = std::move(used);
+  if (handle_ == nullptr) {
+    handle_.reset(curl_easy_init());
+    if (handle_ == nullptr) setting_ = CURLE_OUT_OF_MEMORY;
+    setSessionOptions();
+  }
   setCallOptions();
   return prepare();
 }
@@ -183,13 +187,9 @@ void ZLVCurlTransfer::set(CURLoption option, Value value) {
   if (setting_ == CURLE_OK) setting_ = curl_easy_setopt(handle(), option, value);
 }
 
-void ZLVCurlTransfer::setCallOptions() {
-  set(CURLOPT_PRIVATE, this);
-  set(CURLOPT_ERRORBUFFER, message_.data());
+void ZLVCurlTransfer::setSessionOptions() {
   set(CURLOPT_HEADERFUNCTION, &Callbacks::header);
-  set(CURLOPT_HEADERDATA, this);
   set(CURLOPT_WRITEFUNCTION, &Callbacks::write);
-  set(CURLOPT_WRITEDATA, this);
 
   set(CURLOPT_PROTOCOLS_STR, "http,https");
   set(CURLOPT_PATH_AS_IS, 1L);
@@ -199,9 +199,7 @@ void ZLVCurlTransfer::setCallOptions() {
   // A request with effects goes out once: libcurl asks these two when it wants to send it again,
   // because a connection used before broke.
   set(CURLOPT_PREREQFUNCTION, &Callbacks::send);
-  set(CURLOPT_PREREQDATA, this);
   set(CURLOPT_OPENSOCKETFUNCTION, &Callbacks::open);
-  set(CURLOPT_OPENSOCKETDATA, this);
 
   set(CURLOPT_TCP_KEEPALIVE, 1L);
   set(CURLOPT_SSLVERSION, static_cast<long>(CURL_SSLVERSION_TLSv1_2));
@@ -213,15 +211,22 @@ void ZLVCurlTransfer::setCallOptions() {
     set(CURLOPT_CAINFO, file.c_str());
   }
 
-  // The session ends what is idle; this only makes libcurl share the time among a host's addresses.
-  using Milliseconds = std::chrono::duration<long, std::milli>;
-  set(CURLOPT_CONNECTTIMEOUT_MS, std::chrono::ceil<Milliseconds>(timeoutInterval_).count());
   set(CURLOPT_NOPROGRESS, 0L);
   set(CURLOPT_XFERINFOFUNCTION, &Callbacks::progress);
-  set(CURLOPT_XFERINFODATA, this);
   set(CURLOPT_NOSIGNAL, 1L);
   // A name that is still being looked up must not hold up the session's thread.
   set(CURLOPT_QUICK_EXIT, 1L);
+}
+
+void ZLVCurlTransfer::setCallOptions() {
+  set(CURLOPT_ERRORBUFFER, message_.data());
+  for (const auto argument : {CURLOPT_HEADERDATA, CURLOPT_WRITEDATA, CURLOPT_PREREQDATA,
+                              CURLOPT_OPENSOCKETDATA, CURLOPT_XFERINFODATA}) {
+    set(argument, this);
+  }
+  // The session ends what is idle; this only makes libcurl share the time among a host's addresses.
+  using Milliseconds = std::chrono::duration<long, std::milli>;
+  set(CURLOPT_CONNECTTIMEOUT_MS, std::chrono::ceil<Milliseconds>(timeoutInterval_).count());
 }
 
 void ZLVCurlTransfer::setHopOptions() {
@@ -230,6 +235,10 @@ void ZLVCurlTransfer::setHopOptions() {
   const bool takesCookies =
       hop_.url.text.size() + hop_.url.host.size() <= maximumURLSizeWithCookies;
   set(CURLOPT_SHARE, takesCookies ? configuration_->share : nullptr);
+  if (!takesCookies) {
+    set(CURLOPT_COOKIEFILE, nullptr);
+    isReusable_ = false;
+  }
   set(CURLOPT_PROXY, hop_.url.isLoopback() ? "" : nullptr);  // null is the environment's
 
   set(CURLOPT_HTTPGET, 1L);
@@ -277,6 +286,13 @@ void ZLVCurlTransfer::conclude(CURLcode result) {
 void ZLVCurlTransfer::fail(NSURLError code, const std::string& underlying) {
   answer_ = {};
   answer_.error = ZLVTransportError::error(code, hop_.url.text, underlying);
+}
+
+ZLVCurlTransfer::Handle ZLVCurlTransfer::takeHandle() {
+  if (!isReusable_) return nullptr;
+  curl_easy_setopt(handle(), CURLOPT_ERRORBUFFER, nullptr);
+  curl_easy_setopt(handle(), CURLOPT_HTTPHEADER, nullptr);
+  return std::move(handle_);
 }
 
 void ZLVCurlTransfer::complete() { std::move(handler_)(std::move(answer_)); }

@@ -26,6 +26,11 @@ struct ZLVCurlConfiguration {
 class ZLVCurlTransfer {
  public:
   using Clock = std::chrono::steady_clock;
+  struct Cleanup {
+    void operator()(CURL* handle) const { curl_easy_cleanup(handle); }
+    void operator()(curl_slist* list) const { curl_slist_free_all(list); }
+  };
+  using Handle = std::unique_ptr<CURL, Cleanup>;
 
   ZLVCurlTransfer(ZLVURLRequest request, ZLVURLSession::CompletionHandler handler);
   ZLVCurlTransfer(const ZLVCurlTransfer&) = delete;
@@ -34,9 +39,9 @@ class ZLVCurlTransfer {
 
   [[nodiscard]] CURL* handle() const { return handle_.get(); }
 
-  /// Prepares the handle for the first hop. False when the request cannot be sent; `answer` then
-  /// says why.
-  bool start(const ZLVCurlConfiguration& configuration);
+  /// Prepares the handle for the first hop: `used`, which an earlier transfer of the session gave
+  /// back, or a new one. False when the request cannot be sent; `answer` then says why.
+  bool start(const ZLVCurlConfiguration& configuration, Handle used);
 
   /// Takes in that libcurl is done with the handle. True when it is prepared for another hop.
   bool continueAfter(CURLcode result);
@@ -49,6 +54,9 @@ class ZLVCurlTransfer {
 
   void fail(NSURLError code, const std::string& underlying = {});
 
+  /// Gives the handle back for another transfer, unless it is as no other transfer may have it.
+  [[nodiscard]] Handle takeHandle();
+
   /// Gives the answer to the handler; the transfer is over.
   void complete();
 
@@ -59,16 +67,12 @@ class ZLVCurlTransfer {
   /// Sets an option, unless an earlier one could not be set.
   template <class Value>
   void set(CURLoption option, Value value);
+  void setSessionOptions();
   void setCallOptions();
   void setHopOptions();
   [[nodiscard]] std::optional<NSURLError> refusal() const;
   bool refusesToSend();
   void conclude(CURLcode result);
-
-  struct Cleanup {
-    void operator()(CURL* handle) const { curl_easy_cleanup(handle); }
-    void operator()(curl_slist* list) const { curl_slist_free_all(list); }
-  };
 
   ZLVURLRequest request_;
   ZLVURLSession::CompletionHandler handler_;
@@ -84,8 +88,9 @@ class ZLVCurlTransfer {
   bool isLost_ = false;  // libcurl wanted to send this hop again
   bool isTooLarge_ = false;
   bool isHeaderWhole_ = false;
+  bool isReusable_ = true;
   std::size_t headerSize_ = 0;
   std::array<char, CURL_ERROR_SIZE> message_{};
   std::unique_ptr<curl_slist, Cleanup> headers_;
-  std::unique_ptr<CURL, Cleanup> handle_;
+  Handle handle_;
 };

@@ -12,7 +12,7 @@ struct ZLVLinuxApplication {
 };
 
 /// Facts from the files in which a Linux system keeps them, from the kernel, and from the
-/// environment.
+/// environment. What stays as it is until the next start is read once.
 class ZLVLinuxDevice final : public ZLVDevice {
  public:
   /// `root` is where the system's files are looked for.
@@ -32,4 +32,7 @@ class ZLVLinuxDevice final : public ZLVDevice {
  private:
   ZLVLinuxApplication application_;
   std::filesystem::path root_;
+  std::filesystem::path machineInfo_;
+  std::string machine_;
+  std::string systemVersion_;
 };
