@@ -145,12 +145,13 @@ void ZLVCurlLoop::takeDone() {
     CURL* handle = message->easy_handle;
     const CURLcode result = message->data.result;  // NOLINT(*-union-access): libcurl's
     curl_multi_remove_handle(multi_, handle);
-    const auto entry = transfers_.find(handle);
-    if (entry->second->continueAfter(result)) {
+    auto transfer = std::move(transfers_.extract(handle).mapped());
+    if (transfer->continueAfter(result)) {
+      handle = transfer->handle();
+      transfers_.emplace(handle, std::move(transfer));
       send(handle);
       continue;
     }
-    const auto transfer = std::move(transfers_.extract(entry).mapped());
     if (auto used = transfer->takeHandle(); used && idle_.size() < maximumIdleHandles) {
       idle_.push_back(std::move(used));
     }

@@ -20,6 +20,14 @@ constexpr bool isStatus(long number) { return number >= 100 && number <= 999; }
 /// fits behind the URL, it leaves the header unfinished, and the server waits for the rest.
 constexpr std::size_t maximumURLSizeWithCookies = 3500;
 
+/// Whether a handle can be used again. libcurl before 8.2 keeps a pointer to the last header of an
+/// answer and, where the next answer begins with a folded line, follows it when that is gone.
+bool mayTakeAnotherAnswer() {
+  constexpr unsigned int mended = 0x080200;
+  static const bool isMended = curl_version_info(CURLVERSION_NOW)->version_num >= mended;
+  return isMended;
+}
+
 ZLVCurlTransfer::Clock::duration interval(double seconds) {
   // Within what the clock can count; a value that is no number becomes the least.
   const std::chrono::duration<double> bounded(std::min(std::max(0.001, seconds), 1e8));
@@ -140,6 +148,8 @@ bool ZLVCurlTransfer::continueAfter(CURLcode result) {
     return false;
   }
   hop_ = std::get<ZLVHTTPHop>(std::move(next));
+  if (!mayTakeAnotherAnswer()) handle_.reset(curl_easy_duphandle(handle()));
+  if (handle_ == nullptr) setting_ = CURLE_OUT_OF_MEMORY;
   return prepare();
 }
 
@@ -289,7 +299,7 @@ void ZLVCurlTransfer::fail(NSURLError code, const std::string& underlying) {
 }
 
 ZLVCurlTransfer::Handle ZLVCurlTransfer::takeHandle() {
-  if (!isReusable_) return nullptr;
+  if (!isReusable_ || !mayTakeAnotherAnswer()) return nullptr;
   curl_easy_setopt(handle(), CURLOPT_ERRORBUFFER, nullptr);
   curl_easy_setopt(handle(), CURLOPT_HTTPHEADER, nullptr);
   return std::move(handle_);

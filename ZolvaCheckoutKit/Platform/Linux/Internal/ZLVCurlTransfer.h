@@ -43,7 +43,8 @@ class ZLVCurlTransfer {
   /// back, or a new one. False when the request cannot be sent; `answer` then says why.
   bool start(const ZLVCurlConfiguration& configuration, Handle used);
 
-  /// Takes in that libcurl is done with the handle. True when it is prepared for another hop.
+  /// Takes in that libcurl is done with the handle. True when there is another hop, for which
+  /// `handle`, by now maybe another one, is prepared.
   bool continueAfter(CURLcode result);
 
   /// Host and port of the https server that the call is to reach; empty once it has, and for http.
