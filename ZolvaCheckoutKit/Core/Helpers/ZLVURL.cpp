@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <array>
 
 #include <ZolvaCheckoutKit/Core/Helpers/ZLVText.h>
 #include <ZolvaCheckoutKit/ZLVURL.h>
@@ -8,12 +9,30 @@ namespace {
 constexpr bool isLetter(char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z'); }
 constexpr bool isDigit(char c) { return c >= '0' && c <= '9'; }
 
-constexpr std::string_view unreservedMarks = "-._~";
-constexpr std::string_view subDelimiters = "!$&'()*+,;=";
+using Characters = std::array<bool, 256>;
 
-/// Whether `text` is made of letters, digits, percent-escapes and the characters of `others` and
-/// the delimiters that may stand anywhere.
-bool consistsOf(std::string_view text, std::string_view others) {
+/// The characters of `others` and those that may stand anywhere.
+constexpr Characters charactersWith(std::string_view others) {
+  constexpr std::string_view unreservedMarks = "-._~";
+  constexpr std::string_view subDelimiters = "!$&'()*+,;=";
+  Characters characters{};
+  for (std::size_t i = 0; i < characters.size(); ++i) {
+    const char c = static_cast<char>(i);
+    characters[i] =
+        isLetter(c) || isDigit(c) || unreservedMarks.find(c) != std::string_view::npos ||
+        subDelimiters.find(c) != std::string_view::npos || others.find(c) != std::string_view::npos;
+  }
+  return characters;
+}
+
+constexpr Characters hostCharacters = charactersWith("");
+constexpr Characters authorityCharacters = charactersWith(":");
+constexpr Characters pathCharacters = charactersWith(":@/");
+constexpr Characters fragmentCharacters = charactersWith(":@/?");
+constexpr Characters queryCharacters = charactersWith(":@/?[]");
+
+/// Whether `text` is made of `characters` and percent-escapes.
+bool consistsOf(std::string_view text, const Characters& characters) {
   for (std::size_t i = 0; i < text.size(); ++i) {
     const char c = text[i];
     if (c == '%') {
@@ -21,9 +40,7 @@ bool consistsOf(std::string_view text, std::string_view others) {
         return false;
       }
       i += 2;
-    } else if (!isLetter(c) && !isDigit(c) && unreservedMarks.find(c) == std::string_view::npos &&
-               subDelimiters.find(c) == std::string_view::npos &&
-               others.find(c) == std::string_view::npos) {
+    } else if (!characters[static_cast<unsigned char>(c)]) {
       return false;
     }
   }
@@ -46,7 +63,7 @@ std::string_view takeUntil(std::string_view& text, std::string_view delimiters) 
 }
 
 bool isIPLiteral(std::string_view text) {
-  if (text.starts_with('v') || text.starts_with('V')) return consistsOf(text, ":");
+  if (text.starts_with('v') || text.starts_with('V')) return consistsOf(text, authorityCharacters);
   return text.find(':') != std::string_view::npos &&
          std::all_of(text.begin(), text.end(),
                      [](char c) { return ZLVHexDigit(c) >= 0 || c == ':' || c == '.'; });
@@ -55,7 +72,7 @@ bool isIPLiteral(std::string_view text) {
 /// Reads `[userinfo@]host[:port]`; nothing when it is malformed.
 std::optional<std::string_view> hostOfAuthority(std::string_view authority) {
   if (const auto at = authority.find('@'); at != std::string_view::npos) {
-    if (!consistsOf(authority.substr(0, at), ":")) return std::nullopt;
+    if (!consistsOf(authority.substr(0, at), authorityCharacters)) return std::nullopt;
     authority.remove_prefix(at + 1);
   }
   std::string_view host;
@@ -67,7 +84,7 @@ std::optional<std::string_view> hostOfAuthority(std::string_view authority) {
     authority.remove_prefix(end + 1);
   } else {
     host = takeUntil(authority, ":");
-    if (!consistsOf(host, "")) return std::nullopt;
+    if (!consistsOf(host, hostCharacters)) return std::nullopt;
   }
   if (authority.empty()) return host;
   const auto port = authority.substr(1);
@@ -78,10 +95,6 @@ std::optional<std::string_view> hostOfAuthority(std::string_view authority) {
 }  // namespace
 
 std::optional<ZLVURL> ZLVURL::URLWithString(std::string_view text) {
-  constexpr std::string_view pathCharacters = ":@/";
-  constexpr std::string_view fragmentCharacters = ":@/?";
-  constexpr std::string_view queryCharacters = ":@/?[]";
-
   ZLVURL url;
   url.text_ = text;
 

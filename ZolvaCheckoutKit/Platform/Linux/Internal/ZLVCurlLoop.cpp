@@ -10,10 +10,6 @@
 
 namespace {
 
-/// As many as calls of a busy host are under way. Making a handle costs more than using it, and
-/// keeping one some kilobytes.
-constexpr std::size_t maximumIdleHandles = 64;
-
 /// The host's signal handlers run on the host's threads, and a broken connection does not end the
 /// process by SIGPIPE. What the thread itself does wrong is still reported.
 void blockSignals() {
@@ -71,9 +67,10 @@ void ZLVCurlLoop::run() {
 
 void ZLVCurlLoop::setUp() {
   ZLVCurlLoops::setUpLibrary();
+  const char* systemFile = curl_version_info(CURLVERSION_NOW)->cainfo;
+  configuration_.hasSystemFile = systemFile != nullptr;
   if (CAFile_) {
-    bundle_.emplace(curl_version_info(CURLVERSION_NOW)->cainfo, *CAFile_);
-    configuration_.certificateAuthorities = bundle_->path();
+    configuration_.certificateAuthorities = bundle_.emplace(systemFile, *CAFile_).path();
   }
   CURLM* multi = curl_multi_init();
   configuration_.share = curl_share_init();
@@ -88,7 +85,6 @@ void ZLVCurlLoop::setUp() {
 
 void ZLVCurlLoop::tearDown() {
   while (!transfers_.empty()) fail(transfers_.begin()->first, NSURLErrorCancelled);
-  idle_.clear();
   const std::lock_guard lock(mutex_);
   curl_multi_cleanup(std::exchange(multi_, nullptr));
   curl_share_cleanup(configuration_.share);
@@ -107,14 +103,13 @@ ZLVCurlLoop::End ZLVCurlLoop::takeAdded() {
 }
 
 void ZLVCurlLoop::begin(std::unique_ptr<ZLVCurlTransfer> transfer) {
-  ZLVCurlTransfer::Handle used;
-  if (!idle_.empty()) {
-    used = std::move(idle_.back());
-    idle_.pop_back();
-  }
-  if (!transfer->start(configuration_, std::move(used))) return transfer->complete();
-  CURL* handle = transfer->handle();
+  if (!transfer->start(configuration_)) return transfer->complete();
   nextDeadline_ = std::min(nextDeadline_, transfer->deadline());
+  take(std::move(transfer));
+}
+
+void ZLVCurlLoop::take(std::unique_ptr<ZLVCurlTransfer> transfer) {
+  CURL* handle = transfer->handle();
   transfers_.emplace(handle, std::move(transfer));
   send(handle);
 }
@@ -147,15 +142,10 @@ void ZLVCurlLoop::takeDone() {
     curl_multi_remove_handle(multi_, handle);
     auto transfer = std::move(transfers_.extract(handle).mapped());
     if (transfer->continueAfter(result)) {
-      handle = transfer->handle();
-      transfers_.emplace(handle, std::move(transfer));
-      send(handle);
-      continue;
+      take(std::move(transfer));
+    } else {
+      transfer->complete();
     }
-    if (auto used = transfer->takeHandle(); used && idle_.size() < maximumIdleHandles) {
-      idle_.push_back(std::move(used));
-    }
-    transfer->complete();
   }
 }
 

@@ -44,6 +44,8 @@ class ZLVCurlLoop {
   /// Begins what other threads have added and tells how the loop is to end.
   End takeAdded();
   void begin(std::unique_ptr<ZLVCurlTransfer> transfer);
+  /// Keeps the transfer and sends what it has prepared.
+  void take(std::unique_ptr<ZLVCurlTransfer> transfer);
   /// Gives the transfer to libcurl, at once or when the server that it waits for is reached.
   void send(CURL* handle);
   void sendWaiting();
@@ -57,7 +59,6 @@ class ZLVCurlLoop {
   std::optional<std::string> CAFile_;
   std::optional<ZLVCertificateBundle> bundle_;
   std::unordered_map<CURL*, std::unique_ptr<ZLVCurlTransfer>> transfers_;
-  std::vector<ZLVCurlTransfer::Handle> idle_;  // of transfers that are over
   /// No call's deadline is earlier. Deadlines only move to later moments, so that the calls need
   /// not be looked at before.
   Clock::time_point nextDeadline_ = Clock::time_point::max();

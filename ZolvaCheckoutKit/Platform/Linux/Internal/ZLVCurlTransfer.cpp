@@ -20,25 +20,21 @@ constexpr bool isStatus(long number) { return number >= 100 && number <= 999; }
 /// fits behind the URL, it leaves the header unfinished, and the server waits for the rest.
 constexpr std::size_t maximumURLSizeWithCookies = 3500;
 
-/// Whether a handle can be used again. libcurl before 8.2 keeps a pointer to the last header of an
-/// answer and, where the next answer begins with a folded line, follows it when that is gone.
-bool mayTakeAnotherAnswer() {
-  constexpr unsigned int mended = 0x080200;
-  static const bool isMended = curl_version_info(CURLVERSION_NOW)->version_num >= mended;
-  return isMended;
-}
-
 ZLVCurlTransfer::Clock::duration interval(double seconds) {
   // Within what the clock can count; a value that is no number becomes the least.
   const std::chrono::duration<double> bounded(std::min(std::max(0.001, seconds), 1e8));
   return std::chrono::duration_cast<ZLVCurlTransfer::Clock::duration>(bounded);
 }
 
+constexpr bool isTokenCharacter(char c) {
+  constexpr std::string_view marks = "!#$%&'*+-.^_`|~";
+  return (c >= '0' && c <= '9') || (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') ||
+         marks.find(c) != std::string_view::npos;
+}
+
 /// An HTTP token, which a method and a header's name have to be.
 bool isToken(std::string_view text) {
-  constexpr std::string_view allowed =
-      "!#$%&'*+-.^_`|~0123456789ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz";
-  return !text.empty() && text.find_first_not_of(allowed) == std::string_view::npos;
+  return !text.empty() && std::ranges::all_of(text, isTokenCharacter);
 }
 
 bool isHeader(const std::pair<std::string, std::string>& header) {
@@ -109,7 +105,7 @@ ZLVCurlTransfer::ZLVCurlTransfer(ZLVURLRequest request, ZLVURLSession::Completio
       handler_(std::move(handler)),
       timeoutInterval_(interval(request_.timeoutInterval)) {}
 
-bool ZLVCurlTransfer::start(const ZLVCurlConfiguration& configuration, Handle used) {
+bool ZLVCurlTransfer::start(const ZLVCurlConfiguration& configuration) {
   configuration_ = &configuration;
   if (const auto& url = request_.URL) {
     hop_.url = {.text = url->absoluteString(), .scheme = url->scheme()};
@@ -120,13 +116,6 @@ bool ZLVCurlTransfer::start(const ZLVCurlConfiguration& configuration, Handle us
   hop_.method = std::move(request_.HTTPMethod);
   hop_.headers = std::move(request_.allHTTPHeaderFields);
   hop_.body = std::move(request_.HTTPBody);
-  handle_ = std::move(used);
-  if (handle_ == nullptr) {
-    handle_.reset(curl_easy_init());
-    if (handle_ == nullptr) setting_ = CURLE_OUT_OF_MEMORY;
-    setSessionOptions();
-  }
-  setCallOptions();
   return prepare();
 }
 
@@ -148,8 +137,6 @@ bool ZLVCurlTransfer::continueAfter(CURLcode result) {
     return false;
   }
   hop_ = std::get<ZLVHTTPHop>(std::move(next));
-  if (!mayTakeAnotherAnswer()) handle_.reset(curl_easy_duphandle(handle()));
-  if (handle_ == nullptr) setting_ = CURLE_OUT_OF_MEMORY;
   return prepare();
 }
 
@@ -162,6 +149,11 @@ bool ZLVCurlTransfer::prepare() {
     fail(*code);
     return false;
   }
+  // Handles are used once: libcurl before 8.2 keeps a pointer to the last header of an answer and,
+  // where the next answer begins with a folded line, follows it when that is gone.
+  handle_.reset(curl_easy_init());
+  if (handle_ == nullptr) setting_ = CURLE_OUT_OF_MEMORY;
+  setCallOptions();
   setHopOptions();
   if (setting_ != CURLE_OK) conclude(setting_);
   return setting_ == CURLE_OK;
@@ -197,9 +189,12 @@ void ZLVCurlTransfer::set(CURLoption option, Value value) {
   if (setting_ == CURLE_OK) setting_ = curl_easy_setopt(handle(), option, value);
 }
 
-void ZLVCurlTransfer::setSessionOptions() {
+void ZLVCurlTransfer::setCallOptions() {
+  set(CURLOPT_ERRORBUFFER, message_.data());
   set(CURLOPT_HEADERFUNCTION, &Callbacks::header);
+  set(CURLOPT_HEADERDATA, this);
   set(CURLOPT_WRITEFUNCTION, &Callbacks::write);
+  set(CURLOPT_WRITEDATA, this);
 
   set(CURLOPT_PROTOCOLS_STR, "http,https");
   set(CURLOPT_PATH_AS_IS, 1L);
@@ -209,34 +204,27 @@ void ZLVCurlTransfer::setSessionOptions() {
   // A request with effects goes out once: libcurl asks these two when it wants to send it again,
   // because a connection used before broke.
   set(CURLOPT_PREREQFUNCTION, &Callbacks::send);
+  set(CURLOPT_PREREQDATA, this);
   set(CURLOPT_OPENSOCKETFUNCTION, &Callbacks::open);
+  set(CURLOPT_OPENSOCKETDATA, this);
 
   set(CURLOPT_TCP_KEEPALIVE, 1L);
   set(CURLOPT_SSLVERSION, static_cast<long>(CURL_SSLVERSION_TLSv1_2));
   // A folder of authorities would keep libcurl from keeping those of the file.
-  if (curl_version_info(CURLVERSION_NOW)->cainfo != nullptr) {
-    set(CURLOPT_CAPATH, static_cast<const char*>(nullptr));
-  }
+  if (configuration_->hasSystemFile) set(CURLOPT_CAPATH, static_cast<const char*>(nullptr));
   if (const auto& file = configuration_->certificateAuthorities; !file.empty()) {
     set(CURLOPT_CAINFO, file.c_str());
   }
 
-  set(CURLOPT_NOPROGRESS, 0L);
-  set(CURLOPT_XFERINFOFUNCTION, &Callbacks::progress);
-  set(CURLOPT_NOSIGNAL, 1L);
-  // A name that is still being looked up must not hold up the session's thread.
-  set(CURLOPT_QUICK_EXIT, 1L);
-}
-
-void ZLVCurlTransfer::setCallOptions() {
-  set(CURLOPT_ERRORBUFFER, message_.data());
-  for (const auto argument : {CURLOPT_HEADERDATA, CURLOPT_WRITEDATA, CURLOPT_PREREQDATA,
-                              CURLOPT_OPENSOCKETDATA, CURLOPT_XFERINFODATA}) {
-    set(argument, this);
-  }
   // The session ends what is idle; this only makes libcurl share the time among a host's addresses.
   using Milliseconds = std::chrono::duration<long, std::milli>;
   set(CURLOPT_CONNECTTIMEOUT_MS, std::chrono::ceil<Milliseconds>(timeoutInterval_).count());
+  set(CURLOPT_NOPROGRESS, 0L);
+  set(CURLOPT_XFERINFOFUNCTION, &Callbacks::progress);
+  set(CURLOPT_XFERINFODATA, this);
+  set(CURLOPT_NOSIGNAL, 1L);
+  // A name that is still being looked up must not hold up the session's thread.
+  set(CURLOPT_QUICK_EXIT, 1L);
 }
 
 void ZLVCurlTransfer::setHopOptions() {
@@ -245,13 +233,9 @@ void ZLVCurlTransfer::setHopOptions() {
   const bool takesCookies =
       hop_.url.text.size() + hop_.url.host.size() <= maximumURLSizeWithCookies;
   set(CURLOPT_SHARE, takesCookies ? configuration_->share : nullptr);
-  if (!takesCookies) {
-    set(CURLOPT_COOKIEFILE, nullptr);
-    isReusable_ = false;
-  }
   set(CURLOPT_PROXY, hop_.url.isLoopback() ? "" : nullptr);  // null is the environment's
 
-  set(CURLOPT_HTTPGET, 1L);
+  headers_.reset();
   set(CURLOPT_CUSTOMREQUEST, hop_.method.c_str());
   if (hop_.method == "HEAD") {
     set(CURLOPT_NOBODY, 1L);
@@ -259,18 +243,18 @@ void ZLVCurlTransfer::setHopOptions() {
     const std::string_view body = hop_.body ? std::string_view(*hop_.body) : "";
     set(CURLOPT_POSTFIELDSIZE_LARGE, static_cast<curl_off_t>(body.size()));
     set(CURLOPT_POSTFIELDS, body.data());
+    // Keep libcurl from adding its own.
+    addLine("Expect:");
+    addLine("Content-Type:");
   }
-
-  // The first two keep libcurl from adding its own to a body.
-  std::vector<std::string> lines{"Expect:", "Content-Type:"};
-  std::ranges::transform(hop_.headers, std::back_inserter(lines), line);
-  headers_.reset();
-  for (const auto& text : lines) {
-    curl_slist* list = curl_slist_append(headers_.get(), text.c_str());
-    if (list == nullptr) setting_ = CURLE_OUT_OF_MEMORY;
-    if (headers_ == nullptr) headers_.reset(list);
-  }
+  std::ranges::for_each(hop_.headers, [this](const auto& header) { addLine(line(header)); });
   set(CURLOPT_HTTPHEADER, headers_.get());
+}
+
+void ZLVCurlTransfer::addLine(const std::string& text) {
+  curl_slist* list = curl_slist_append(headers_.get(), text.c_str());
+  if (list == nullptr) setting_ = CURLE_OUT_OF_MEMORY;
+  if (headers_ == nullptr) headers_.reset(list);
 }
 
 void ZLVCurlTransfer::conclude(CURLcode result) {
@@ -296,13 +280,6 @@ void ZLVCurlTransfer::conclude(CURLcode result) {
 void ZLVCurlTransfer::fail(NSURLError code, const std::string& underlying) {
   answer_ = {};
   answer_.error = ZLVTransportError::error(code, hop_.url.text, underlying);
-}
-
-ZLVCurlTransfer::Handle ZLVCurlTransfer::takeHandle() {
-  if (!isReusable_ || !mayTakeAnotherAnswer()) return nullptr;
-  curl_easy_setopt(handle(), CURLOPT_ERRORBUFFER, nullptr);
-  curl_easy_setopt(handle(), CURLOPT_HTTPHEADER, nullptr);
-  return std::move(handle_);
 }
 
 void ZLVCurlTransfer::complete() { std::move(handler_)(std::move(answer_)); }

@@ -14,6 +14,8 @@
 /// What all transfers of a session have in common.
 struct ZLVCurlConfiguration {
   bool allowsCleartext = false;
+  /// Whether the system's certificate authorities stand in a file.
+  bool hasSystemFile = false;
   std::size_t maximumAnswerSize = 0;
   /// The file of certificate authorities; libcurl's own when empty.
   std::string certificateAuthorities = {};
@@ -26,11 +28,6 @@ struct ZLVCurlConfiguration {
 class ZLVCurlTransfer {
  public:
   using Clock = std::chrono::steady_clock;
-  struct Cleanup {
-    void operator()(CURL* handle) const { curl_easy_cleanup(handle); }
-    void operator()(curl_slist* list) const { curl_slist_free_all(list); }
-  };
-  using Handle = std::unique_ptr<CURL, Cleanup>;
 
   ZLVCurlTransfer(ZLVURLRequest request, ZLVURLSession::CompletionHandler handler);
   ZLVCurlTransfer(const ZLVCurlTransfer&) = delete;
@@ -39,12 +36,12 @@ class ZLVCurlTransfer {
 
   [[nodiscard]] CURL* handle() const { return handle_.get(); }
 
-  /// Prepares the handle for the first hop: `used`, which an earlier transfer of the session gave
-  /// back, or a new one. False when the request cannot be sent; `answer` then says why.
-  bool start(const ZLVCurlConfiguration& configuration, Handle used);
+  /// Prepares a handle for the first hop. False when the request cannot be sent; `answer` then says
+  /// why.
+  bool start(const ZLVCurlConfiguration& configuration);
 
-  /// Takes in that libcurl is done with the handle. True when there is another hop, for which
-  /// `handle`, by now maybe another one, is prepared.
+  /// Takes in that libcurl is done with the handle. True when another one is prepared for another
+  /// hop.
   bool continueAfter(CURLcode result);
 
   /// Host and port of the https server that the call is to reach; empty once it has, and for http.
@@ -54,9 +51,6 @@ class ZLVCurlTransfer {
   [[nodiscard]] Clock::time_point deadline() const { return lastProgress_ + timeoutInterval_; }
 
   void fail(NSURLError code, const std::string& underlying = {});
-
-  /// Gives the handle back for another transfer, unless it is as no other transfer may have it.
-  [[nodiscard]] Handle takeHandle();
 
   /// Gives the answer to the handler; the transfer is over.
   void complete();
@@ -68,12 +62,17 @@ class ZLVCurlTransfer {
   /// Sets an option, unless an earlier one could not be set.
   template <class Value>
   void set(CURLoption option, Value value);
-  void setSessionOptions();
   void setCallOptions();
   void setHopOptions();
+  void addLine(const std::string& text);
   [[nodiscard]] std::optional<NSURLError> refusal() const;
   bool refusesToSend();
   void conclude(CURLcode result);
+
+  struct Cleanup {
+    void operator()(CURL* handle) const { curl_easy_cleanup(handle); }
+    void operator()(curl_slist* list) const { curl_slist_free_all(list); }
+  };
 
   ZLVURLRequest request_;
   ZLVURLSession::CompletionHandler handler_;
@@ -89,9 +88,8 @@ class ZLVCurlTransfer {
   bool isLost_ = false;  // libcurl wanted to send this hop again
   bool isTooLarge_ = false;
   bool isHeaderWhole_ = false;
-  bool isReusable_ = true;
   std::size_t headerSize_ = 0;
   std::array<char, CURL_ERROR_SIZE> message_{};
   std::unique_ptr<curl_slist, Cleanup> headers_;
-  Handle handle_;
+  std::unique_ptr<CURL, Cleanup> handle_;
 };
