@@ -48,9 +48,11 @@ using Make = std::unique_ptr<Contender> (*)();
 std::unique_ptr<Contender> makeLibrary();
 /// `ZLVClient::enquireAccountWithAccountID`; the event is a second call to a server.
 std::unique_ptr<Contender> makeClient();
-/// libcurl's multi interface on a thread that keeps its easy handles, decodes the answers and hands
-/// them over to the main thread.
+/// libcurl's multi interface on a thread that decodes the answers and hands them over to the main
+/// thread.
 std::unique_ptr<Contender> makeCurl();
+/// The same with easy handles that go from call to call, which libcurl before 8.2 cannot do safely.
+std::unique_ptr<Contender> makeCurlWithUsedHandles();
 /// libsoup 3 on a GLib main loop, with as many connections as there are calls.
 std::unique_ptr<Contender> makeSoup();
 /// Qt 6's network access manager.

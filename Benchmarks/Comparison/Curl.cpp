@@ -14,7 +14,7 @@ namespace {
 
 class Curl final : public Contender {
  public:
-  Curl() {
+  explicit Curl(bool reusesHandles) : reusesHandles_(reusesHandles) {
     curl_global_init(CURL_GLOBAL_DEFAULT);
     multi_ = curl_multi_init();
     for (const auto& [name, value] : requestHeaders) {
@@ -27,7 +27,7 @@ class Curl final : public Contender {
   ~Curl() override {
     add({});
     thread_.join();
-    for (const auto& call : calls_) curl_easy_cleanup(call->handle);
+    idle_.clear();
     curl_multi_cleanup(multi_);
     curl_slist_free_all(headers_);
   }
@@ -38,13 +38,18 @@ class Curl final : public Contender {
 
  private:
   struct Call {
-    CURL* handle;
-    std::string body = {};
+    Call() = default;
+    Call(const Call&) = delete;
+    Call& operator=(const Call&) = delete;
+    ~Call() { curl_easy_cleanup(handle); }
 
     static std::size_t write(const char* bytes, std::size_t, std::size_t size, void* self) {
       static_cast<Call*>(self)->body.append(bytes, size);
       return size;
     }
+
+    CURL* handle = curl_easy_init();
+    std::string body;
   };
 
   /// An empty URL ends the thread.
@@ -75,43 +80,50 @@ class Curl final : public Contender {
     }
     for (const auto& url : added) {
       if (url.empty()) return false;
-      if (idle_.empty()) make();
-      Call* call = idle_.back();
-      idle_.pop_back();
+      // libcurl has it until it gives it back in `end`.
+      Call* call = takeCall().release();
       curl_easy_setopt(call->handle, CURLOPT_URL, url.c_str());
       curl_multi_add_handle(multi_, call->handle);
     }
     return true;
   }
 
-  void make() {
-    Call* call = calls_.emplace_back(std::make_unique<Call>(Call{curl_easy_init()})).get();
-    curl_easy_setopt(call->handle, CURLOPT_PRIVATE, call);
+  std::unique_ptr<Call> takeCall() {
+    if (!idle_.empty()) {
+      auto used = std::move(idle_.back());
+      idle_.pop_back();
+      return used;
+    }
+    auto call = std::make_unique<Call>();
+    curl_easy_setopt(call->handle, CURLOPT_PRIVATE, call.get());
     curl_easy_setopt(call->handle, CURLOPT_NOSIGNAL, 1L);
     curl_easy_setopt(call->handle, CURLOPT_HTTPHEADER, headers_);
+    curl_easy_setopt(call->handle, CURLOPT_ACCEPT_ENCODING, "");
     curl_easy_setopt(call->handle, CURLOPT_WRITEFUNCTION, &Call::write);
-    curl_easy_setopt(call->handle, CURLOPT_WRITEDATA, call);
-    idle_.push_back(call);
+    curl_easy_setopt(call->handle, CURLOPT_WRITEDATA, call.get());
+    return call;
   }
 
   void end(const CURLMsg& message) {
     if (message.data.result != CURLE_OK) {
       throw std::runtime_error(curl_easy_strerror(message.data.result));
     }
-    Call* call = nullptr;
-    curl_easy_getinfo(message.easy_handle, CURLINFO_PRIVATE, &call);
+    Call* given = nullptr;
+    curl_easy_getinfo(message.easy_handle, CURLINFO_PRIVATE, &given);
+    std::unique_ptr<Call> call(given);
     curl_multi_remove_handle(multi_, call->handle);
     queue_->dispatch(
         [this, value = decoded(call->body)] { done(ZLVAccountInfo::initWithDictionary(value)); });
+    if (!reusesHandles_) return;
     call->body.clear();
-    idle_.push_back(call);
+    idle_.push_back(std::move(call));
   }
 
   std::shared_ptr<ZLVLinuxMainQueue> queue_ = ZLVLinuxMainQueue::mainQueue();
   CURLM* multi_;
   curl_slist* headers_ = nullptr;
-  std::vector<std::unique_ptr<Call>> calls_;
-  std::vector<Call*> idle_;
+  const bool reusesHandles_;
+  std::vector<std::unique_ptr<Call>> idle_;
   std::mutex mutex_;
   std::vector<std::string> added_;
   std::thread thread_;
@@ -119,4 +131,5 @@ class Curl final : public Contender {
 
 }  // namespace
 
-std::unique_ptr<Contender> makeCurl() { return std::make_unique<Curl>(); }
+std::unique_ptr<Contender> makeCurl() { return std::make_unique<Curl>(false); }
+std::unique_ptr<Contender> makeCurlWithUsedHandles() { return std::make_unique<Curl>(true); }
