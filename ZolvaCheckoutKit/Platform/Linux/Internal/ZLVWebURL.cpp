@@ -53,8 +53,10 @@ std::optional<ZLVWebURL> ZLVWebURL::resolved(const std::string& location) const 
     return std::nullopt;
   }
   auto target = taken(handle, part(handle, CURLUPART_URL));
+  // A host that was escaped twice is still escaped in the text.
+  if (target.scheme == "http" || target.scheme == "https") return parsed(target.text);
   // Another application's URL stays as it was sent; libcurl would give it a path.
-  if (target.scheme != "http" && target.scheme != "https") target.text = location;
+  target.text = location;
   return target;
 }
 
