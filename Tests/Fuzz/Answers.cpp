@@ -2,8 +2,11 @@
 // size of the pieces that the rest is written in; form feeds part the answers that the hops of a
 // redirected call get.
 
+#include <algorithm>
+#include <cctype>
 #include <cstdlib>
 #include <future>
+#include <memory>
 
 #include <ZolvaCheckoutKit/Platform/Linux/ZLVLinuxPlatform.h>
 
@@ -14,20 +17,29 @@ namespace {
 
 constexpr std::size_t maximumAnswerSize = std::size_t{64} * 1024;
 
-ZLVURLSession& session() {
-  // As long as the process, like the library's own. What is not for this machine goes to the server
-  // as well, as to a proxy.
-  static auto& made = *[] {
-    const auto proxy = "http://127.0.0.1:" + std::to_string(AnswerServer::shared().port());
-    setenv("https_proxy", proxy.c_str(), 1);
-    unsetenv("no_proxy");
-    unsetenv("NO_PROXY");
-    return ZLVLinuxPlatform::platformWithOptions(
-               {.applicationVersion = "1", .maximumAnswerSize = maximumAnswerSize})
-        .makeURLSession()
-        .release();
-  }();
+std::unique_ptr<ZLVURLSession> makeSession() {
+  // What is not for this machine goes to the server as well, as to a proxy.
+  const auto proxy = "http://127.0.0.1:" + std::to_string(AnswerServer::shared().port());
+  setenv("https_proxy", proxy.c_str(), 1);
+  unsetenv("no_proxy");
+  unsetenv("NO_PROXY");
+  return ZLVLinuxPlatform::platformWithOptions(
+             {.applicationVersion = "1", .maximumAnswerSize = maximumAnswerSize})
+      .makeURLSession();
+}
+
+/// One session for all inputs, as long as the process, but for those that leave something in it:
+/// what an input does must not depend on the ones before.
+std::unique_ptr<ZLVURLSession>& session() {
+  static auto& made = *new auto(makeSession());
   return made;
+}
+
+bool leavesCookies(std::string_view text) {
+  constexpr std::string_view name = "set-cookie";
+  return std::search(text.begin(), text.end(), name.begin(), name.end(),
+                     [](unsigned char c, char wanted) { return std::tolower(c) == wanted; }) !=
+         text.end();
 }
 
 std::vector<std::string> partedAtFormFeeds(std::string_view text) {
@@ -78,11 +90,12 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   std::promise<ZLVURLAnswer> answered;
   auto answer = answered.get_future();
   // A second answer, or none, ends the process by an exception.
-  session().dataTask(std::move(request),
-                     [answered = std::move(answered)](ZLVURLAnswer value) mutable {
-                       answered.set_value(std::move(value));
-                     });
+  session()->dataTask(std::move(request),
+                      [answered = std::move(answered)](ZLVURLAnswer value) mutable {
+                        answered.set_value(std::move(value));
+                      });
   check(answer.get());
   server.finish();
+  if (leavesCookies(text)) session() = makeSession();
   return 0;
 }
