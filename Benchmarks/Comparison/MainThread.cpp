@@ -10,8 +10,8 @@ namespace {
 
 /// What the calling thread has used and how often it had to wait for something.
 struct ThreadUsage {
-  double seconds = threadSeconds();
   double waits = waitsNow();
+  double seconds = threadSeconds();
 
   static double waitsNow() {
     rusage usage{};

@@ -25,18 +25,26 @@ ZLVValue merchantId(std::string_view call) {
                   "merchant id (call initWithMerchantServerURL first)", call);
 }
 
+ZLVValue applicationVersion(std::string_view call) {
+  return required(ZLVDeviceHelper::applicationVersion(),
+                  "application version (give one to the platform)", call);
+}
+
+ZLVValue deviceName(std::string_view call) {
+  return required(ZLVDeviceHelper::deviceName(), "device name", call);
+}
+
+ZLVValue osVersion(std::string_view call) {
+  return required(ZLVDeviceHelper::osVersion(), "operating system version", call);
+}
+
 ZLVDictionary deviceFacts(std::string_view call) {
-  auto applicationVersion = required(ZLVDeviceHelper::applicationVersion(),
-                                     "application version (give one to the platform)", call);
-  auto deviceName = required(ZLVDeviceHelper::deviceName(), "device name", call);
-  auto deviceModel = ZLVDeviceHelper::deviceModel();
-  auto osVersion = required(ZLVDeviceHelper::osVersion(), "operating system version", call);
-  return {{"app version", std::move(applicationVersion)},
+  return {{"app version", applicationVersion(call)},
           {"sdk version", ZLV_VERSION},
-          {"device name", std::move(deviceName)},
-          {"device model", std::move(deviceModel)},
+          {"device name", deviceName(call)},
+          {"device model", ZLVDeviceHelper::deviceModel()},
           {"OS", "iOS"},
-          {"OS version", std::move(osVersion)}};
+          {"OS version", osVersion(call)}};
 }
 
 ZLVDictionary profile(const ZLVValue& identity, ZLVDictionary profileData) {
@@ -90,5 +98,7 @@ void ZLVAnalyticsTracker::sendAnalyticRequest(ZLVArray records) {
 
 void ZLVAnalyticsTracker::requireEvents(std::string_view call) const {
   merchantId(call);
-  deviceFacts(call);
+  applicationVersion(call);
+  deviceName(call);
+  osVersion(call);
 }

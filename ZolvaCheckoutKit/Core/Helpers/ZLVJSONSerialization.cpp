@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <cstdint>
@@ -119,6 +120,12 @@ ZLVError readingError(std::string_view description) {
       ZLVDictionary{{std::string(NSLocalizedDescriptionKey), description}});
 }
 
+/// Whether the character may not stand in JSON text as it is. Hardly any text has one.
+constexpr bool needsCare(char character) {
+  const auto byte = static_cast<std::uint8_t>(character);
+  return byte < 0x20 || byte >= 0x7F || character == '"' || character == '\\';
+}
+
 class Writer {
  public:
   explicit Writer(ZLVJSONSerialization::Unwritable unwritable) : unwritable_(unwritable) {}
@@ -162,6 +169,7 @@ class Writer {
     return unwritable_ == ZLVJSONSerialization::Unwritable::Describe && put("null");
   }
   bool writeText(std::string_view value) {
+    if (std::ranges::none_of(value, needsCare)) return put("\"") && put(value) && put("\"");
     if (!ZLVIsUTF8(value)) return writeUnwritable();
     return put(json::serialize(json::string_view(value.data(), value.size())));
   }

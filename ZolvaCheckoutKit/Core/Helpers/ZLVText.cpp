@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <array>
 #include <charconv>
 #include <cstdint>
@@ -24,12 +25,14 @@ bool ZLVIsUTF8(std::string_view bytes) noexcept {
     std::size_t continuations;
     char32_t least;
   };
-  constexpr std::array<Form, 4> forms{{{0x80, 0x00, 0, 0x0},
-                                       {0xE0, 0xC0, 1, 0x80},
-                                       {0xF0, 0xE0, 2, 0x800},
-                                       {0xF8, 0xF0, 3, 0x10000}}};
+  constexpr std::array<Form, 3> forms{
+      {{0xE0, 0xC0, 1, 0x80}, {0xF0, 0xE0, 2, 0x800}, {0xF8, 0xF0, 3, 0x10000}}};
+  constexpr auto isOther = [](char byte) { return static_cast<std::uint8_t>(byte) >= 0x80; };
 
-  while (!bytes.empty()) {
+  for (;;) {
+    bytes.remove_prefix(
+        static_cast<std::size_t>(std::ranges::find_if(bytes, isOther) - bytes.begin()));
+    if (bytes.empty()) return true;
     const auto lead = static_cast<std::uint8_t>(bytes.front());
     const Form* form = nullptr;
     for (const auto& candidate : forms) {
@@ -47,7 +50,6 @@ bool ZLVIsUTF8(std::string_view bytes) noexcept {
     if (character < form->least || character > 0x10FFFF || isSurrogate) return false;
     bytes.remove_prefix(1 + form->continuations);
   }
-  return true;
 }
 
 std::string ZLVOneLine(std::string_view text) {

@@ -31,14 +31,14 @@ void ZLVCurlLoop::start() {
 }
 
 void ZLVCurlLoop::add(std::unique_ptr<ZLVCurlTransfer> transfer) {
-  CURLM* sleeping = nullptr;
+  CURLM* asleep = nullptr;
   {
     const std::lock_guard lock(mutex_);
     added_.push_back(std::move(transfer));
-    if (added_.size() == 1) sleeping = multi_;
+    if (std::exchange(isAsleep_, false)) asleep = multi_;
   }
   // The thread wants the lock as soon as it is awake.
-  if (sleeping != nullptr) curl_multi_wakeup(sleeping);
+  if (asleep != nullptr) curl_multi_wakeup(asleep);
 }
 
 void ZLVCurlLoop::end(End how) {
@@ -60,14 +60,17 @@ void ZLVCurlLoop::run() {
     takeDone();
     failIdle();
     sendWaiting();
-    curl_multi_poll(multi_, nullptr, 0, pollMilliseconds(), nullptr);
+    sleep();
   }
   if (end == End::Cancel) tearDown();
 }
 
 void ZLVCurlLoop::setUp() {
   ZLVCurlLoops::setUpLibrary();
-  const char* systemFile = curl_version_info(CURLVERSION_NOW)->cainfo;
+  // What curl_version_info tells as well, but that asks every library below libcurl for its
+  // version.
+  char* systemFile = nullptr;
+  curl_easy_getinfo(ZLVCurlTransfer::Handle(curl_easy_init()).get(), CURLINFO_CAINFO, &systemFile);
   configuration_.hasSystemFile = systemFile != nullptr;
   if (CAFile_) {
     configuration_.certificateAuthorities = bundle_.emplace(systemFile, *CAFile_).path();
@@ -95,6 +98,7 @@ ZLVCurlLoop::End ZLVCurlLoop::takeAdded() {
   End end = End::None;
   {
     const std::lock_guard lock(mutex_);
+    isAsleep_ = false;
     end = end_;
     if (end != End::Abandon) added.swap(added_);
   }
@@ -169,6 +173,15 @@ void ZLVCurlLoop::fail(CURL* handle, NSURLError code) {
   const auto transfer = std::move(transfers_.extract(handle).mapped());
   transfer->fail(code);
   transfer->complete();
+}
+
+void ZLVCurlLoop::sleep() {
+  {
+    const std::lock_guard lock(mutex_);
+    if (!added_.empty() || end_ != End::None) return;
+    isAsleep_ = true;
+  }
+  curl_multi_poll(multi_, nullptr, 0, pollMilliseconds(), nullptr);
 }
 
 int ZLVCurlLoop::pollMilliseconds() const {

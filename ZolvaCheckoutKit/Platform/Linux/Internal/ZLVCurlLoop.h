@@ -52,6 +52,8 @@ class ZLVCurlLoop {
   void takeDone();
   void failIdle();
   void fail(CURL* handle, NSURLError code);
+  /// Until there is something to do.
+  void sleep();
   [[nodiscard]] int pollMilliseconds() const;
 
   // The thread's own.
@@ -74,6 +76,7 @@ class ZLVCurlLoop {
   std::mutex mutex_;
   CURLM* multi_ = nullptr;
   std::vector<std::unique_ptr<ZLVCurlTransfer>> added_;
+  bool isAsleep_ = false;  // and has not been woken; waking it costs more than all else in `add`
   End end_ = End::None;
 
   std::thread thread_;

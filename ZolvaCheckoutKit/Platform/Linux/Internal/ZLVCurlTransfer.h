@@ -28,6 +28,11 @@ struct ZLVCurlConfiguration {
 class ZLVCurlTransfer {
  public:
   using Clock = std::chrono::steady_clock;
+  struct Cleanup {
+    void operator()(CURL* handle) const { curl_easy_cleanup(handle); }
+    void operator()(curl_slist* list) const { curl_slist_free_all(list); }
+  };
+  using Handle = std::unique_ptr<CURL, Cleanup>;
 
   ZLVCurlTransfer(ZLVURLRequest request, ZLVURLSession::CompletionHandler handler);
   ZLVCurlTransfer(const ZLVCurlTransfer&) = delete;
@@ -69,11 +74,6 @@ class ZLVCurlTransfer {
   bool refusesToSend();
   void conclude(CURLcode result);
 
-  struct Cleanup {
-    void operator()(CURL* handle) const { curl_easy_cleanup(handle); }
-    void operator()(curl_slist* list) const { curl_slist_free_all(list); }
-  };
-
   ZLVURLRequest request_;
   ZLVURLSession::CompletionHandler handler_;
   const ZLVCurlConfiguration* configuration_ = nullptr;
@@ -91,5 +91,5 @@ class ZLVCurlTransfer {
   std::size_t headerSize_ = 0;
   std::array<char, CURL_ERROR_SIZE> message_{};
   std::unique_ptr<curl_slist, Cleanup> headers_;
-  std::unique_ptr<CURL, Cleanup> handle_;
+  Handle handle_;
 };
