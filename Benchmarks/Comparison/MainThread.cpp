@@ -55,18 +55,18 @@ class MeteredQueue final : public ZLVMainQueue {
 };
 
 /// Median and 99th percentile of a call's time on the main thread, and the waits of all calls.
-Numbers clientCalls(const std::string& server) {
-  constexpr int calls = 5000;
+Numbers calls(Make make, const std::string& server) {
+  constexpr int count = 5000;
   Meter meter;
   auto platform = libraryPlatform(server);
   platform.mainQueue = std::make_shared<MeteredQueue>(platform.mainQueue, meter);
   installLibrary(std::move(platform), server);
-  const auto client = makeClient();
-  client->done = [&client](const Record&) { client->stop(); };
+  const auto contender = make();
+  contender->done = [&contender](const Record&) { contender->stop(); };
   Numbers times;
-  for (int i = 0; i < calls; ++i) {
-    meter.measure([&] { client->start(server); });
-    client->run();
+  for (int i = 0; i < count; ++i) {
+    meter.measure([&] { contender->start(server); });
+    contender->run();
     times.push_back(meter.takeSeconds() * 1e6);
   }
   return {median(times), quantile(times, 0.99), meter.waits()};
@@ -86,20 +86,24 @@ Rows mainThreadRows(const Run& run) {
   Numbers medians;
   Numbers tails;
   Numbers waits;
+  Numbers plain;
   Numbers setUps;
   for (int round = 0; round < run.rounds; ++round) {
-    const auto numbers = inChild([&run] { return clientCalls(run.server); });
-    medians.push_back(numbers.at(0));
-    tails.push_back(numbers.at(1));
-    waits.push_back(numbers.at(2));
+    const auto client = inChild([&run] { return calls(&makeClient, run.server); });
+    medians.push_back(client.at(0));
+    tails.push_back(client.at(1));
+    waits.push_back(client.at(2));
+    plain.push_back(inChild([&run] { return calls(&makeLibrary, run.server); }).at(0));
     setUps.push_back(inChild([&run] { return setUp(run.server); }).at(0));
   }
   return {
-      {"main-thread time of one client call, event included: median", "≤ 10 µs",
-       format("%.1f µs", median(medians)), median(medians) <= 10},
+      {"main-thread time of one call, issue and completion: median", "≤ 10 µs",
+       format("%.1f µs (without its usage event %.1f µs)", median(medians), median(plain)),
+       median(medians) <= 10},
       {"the same: 99th percentile", "≤ 50 µs", format("%.1f µs", median(tails)),
        median(tails) <= 50},
-      {"waits of the main thread in 5,000 calls", "", format("%.0f", median(waits))},
+      {"waits of the main thread in 5,000 such calls", "0", format("%.0f", median(waits)),
+       median(waits) == 0},
       {"install and configure, main thread", "≤ 1 ms", format("%.2f ms", median(setUps)),
        median(setUps) <= 1},
   };

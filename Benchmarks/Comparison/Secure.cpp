@@ -127,11 +127,10 @@ Row sharedConnectionRow(const Run& run, const Files& files) {
   });
   server.signal(SIGTERM);
 
-  const std::string text = log.get();
+  std::istringstream lines(log.get());
   int connections = 0;
-  constexpr std::string_view line = "The negotiated protocol: h2\n";
-  for (std::size_t at = 0; (at = text.find(line, at)) != std::string::npos; at += line.size()) {
-    ++connections;
+  for (std::string line; std::getline(lines, line);) {
+    if (line == "The negotiated protocol: h2") ++connections;
   }
   return {"64 cold https calls to an HTTP/2 server: connections", "1", std::to_string(connections),
           connections == 1};

@@ -78,7 +78,8 @@ Rows speedRows(const Run& run) {
                           {&makeSoup, false, calls},
                           {&makeQt, false, calls / 2},
                           {&makeSocket, false, calls},
-                          {&makeClient, true, calls}},
+                          {&makeClient, true, calls},
+                          {&makeCurlWithUsedHandles, false, calls}},
                          1);
   const auto many = costs(run,
                           {{&makeLibrary, true, 5 * calls},
@@ -99,6 +100,7 @@ Rows speedRows(const Run& run) {
       ahead("ahead of libsoup, CPU", 0, one[0], one[2], CPU),
       ahead("ahead of Qt, CPU", 0, one[0], one[3], CPU),
       ahead("ahead of libsoup, 64 in flight", 0, many[0], many[2], seconds),
+      ahead("ahead of raw multi with used handles, latency", 0, one[0], one[6], seconds),
       ahead("ahead of a raw blocking socket, latency", 0, one[0], one[4], seconds),
       ahead("the same with the client's usage event, a second call: latency", 0, one[0], one[5],
             seconds),

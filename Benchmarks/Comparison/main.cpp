@@ -46,7 +46,7 @@ void compare(bool isCheap, double kilobytes) {
   allowDescriptors();
   const auto answer = response(accountDocument(fewPaymentOptions));
   const ForkedServer server([&answer](const TellPort& tellPort) {
-    serveHTTP([&answer](std::string_view) { return Answer{answer}; }, tellPort);
+    serveHTTP([&answer] { return Answer{answer}; }, tellPort);
   });
   const Run run{"http://127.0.0.1:" + std::to_string(server.port()), isCheap ? 3 : 11};
 

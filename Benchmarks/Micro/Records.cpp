@@ -3,7 +3,6 @@
 #include <benchmark/benchmark.h>
 
 #include <ZolvaCheckoutKit/Core/Helpers/ZLVJSONSerialization.h>
-#include <ZolvaCheckoutKit/Core/Network/ZLVRequestBuilder.h>
 #include <ZolvaCheckoutKit/ZLVAccountRecords.h>
 
 #include "Benchmarks/Support/Accounts.h"
@@ -28,15 +27,5 @@ BENCHMARK(toRecord)
     ->MinTime(0.1)
     ->Repetitions(5)
     ->ReportAggregatesOnly();
-
-void toRequest(State& state) {
-  for (auto _ : state) {
-    const auto service =
-        ZLVNetworkService::initWithBaseURL("https://shop.example/pay", "/v2/pay/account/acc-1",
-                                           ZLVHTTPMethodGet, {}, ZLVServiceTypeMerchant);
-    benchmark::DoNotOptimize(ZLVRequestBuilder::buildRequestFrom(*service));
-  }
-}
-BENCHMARK(toRequest)->Unit(benchmark::kMicrosecond);
 
 }  // namespace

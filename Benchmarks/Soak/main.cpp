@@ -49,7 +49,7 @@ void serveWithFaults(const TellPort& tellPort) {
   std::bernoulli_distribution isFault(faultShare);
   std::size_t next = 0;
   serveHTTP(
-      [&](std::string_view) -> Answer {
+      [&]() -> Answer {
         if (isFault(random)) return faults.at(next++ % faults.size());
         return {whole, Then::Keep};
       },

@@ -38,17 +38,12 @@ std::size_t requestSize(std::string_view text) {
   return size <= text.size() ? size : 0;
 }
 
-std::string_view pathOf(std::string_view request) {
-  const auto start = request.find(' ') + 1;
-  return request.substr(start, request.find(' ', start) - start);
-}
-
 class Server {
  public:
   explicit Server(const Answers& answers)
       : answers_(answers),
         epoll_(checked(epoll_create1(0), "epoll_create1")),
-        listener_(checked(socket(AF_INET, SOCK_STREAM | SOCK_NONBLOCK, 0), "socket")) {
+        listener_(checked(socket(AF_INET, SOCK_STREAM, 0), "socket")) {
     sockaddr_in address{};
     address.sin_family = AF_INET;
     address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
@@ -58,7 +53,7 @@ class Server {
     checked(listen(listener_, SOMAXCONN), "listen");
     checked(getsockname(listener_, name, &size), "getsockname");
     port_ = ntohs(address.sin_port);
-    watch(listener_, EPOLLIN, EPOLL_CTL_ADD);
+    watch(listener_);
   }
 
   [[nodiscard]] int port() const { return port_; }
@@ -70,83 +65,56 @@ class Server {
         const int ready = events[static_cast<std::size_t>(i)].data.fd;
         if (ready == listener_) {
           accept();
-        } else if (!serve(connections_.at(ready))) {
-          hangUp(connections_.at(ready));
+        } else if (const auto then = serve(ready); then != Answer::Then::Keep) {
+          hangUp(ready, then);
         }
       }
     }
   }
 
  private:
-  struct Connection {
-    int socket;
-    std::string input = {};
-    std::string_view output = {};
-    Answer::Then then = Answer::Then::Keep;
-  };
-
-  void watch(int descriptor, unsigned events, int operation) const {
+  void watch(int descriptor) const {
     epoll_event event{};
-    event.events = events;
+    event.events = EPOLLIN;
     event.data.fd = descriptor;
-    checked(epoll_ctl(epoll_, operation, descriptor, &event), "epoll_ctl");
+    checked(epoll_ctl(epoll_, EPOLL_CTL_ADD, descriptor, &event), "epoll_ctl");
   }
 
-  void accept() {
-    for (int client = 0; (client = accept4(listener_, nullptr, nullptr, SOCK_NONBLOCK)) >= 0;) {
-      const int yes = 1;
-      setsockopt(client, IPPROTO_TCP, TCP_NODELAY, &yes, sizeof yes);
-      connections_.emplace(client, Connection{client});
-      watch(client, EPOLLIN, EPOLL_CTL_ADD);
-    }
+  void accept() const {
+    const int client = checked(::accept(listener_, nullptr, nullptr), "accept");
+    const int yes = 1;
+    setsockopt(client, IPPROTO_TCP, TCP_NODELAY, &yes, sizeof yes);
+    watch(client);
   }
 
-  void hangUp(const Connection& connection) {
-    const int descriptor = connection.socket;
-    if (connection.then == Answer::Then::Reset) {
-      const linger atOnce{1, 0};
-      setsockopt(descriptor, SOL_SOCKET, SO_LINGER, &atOnce, sizeof atOnce);
-    }
-    close(descriptor);
-    connections_.erase(descriptor);
+  void hangUp(int client, Answer::Then how) {
+    const linger atOnce{how == Answer::Then::Reset ? 1 : 0, 0};
+    setsockopt(client, SOL_SOCKET, SO_LINGER, &atOnce, sizeof atOnce);
+    close(client);
+    inputs_.erase(client);
   }
 
-  /// Writes what is left, or reads and answers what has come; false when the connection is over.
-  bool serve(Connection& connection) const {
-    if (!connection.output.empty()) return flush(connection, true);
+  /// Reads what has come and answers a request that is whole. What is sent is small enough not to
+  /// wait for the client.
+  Answer::Then serve(int client) {
     std::array<char, 16384> bytes;  // NOLINT(*-member-init): filled by recv
-    const auto count = recv(connection.socket, bytes.data(), bytes.size(), 0);
-    if (count <= 0) return count < 0 && errno == EAGAIN;
-    connection.input.append(bytes.data(), static_cast<std::size_t>(count));
-    const auto size = requestSize(connection.input);
-    if (size == 0) return true;
-    const auto answer = answers_(pathOf(connection.input));
-    connection.output = answer.bytes;
-    connection.then = answer.then;
-    connection.input.erase(0, size);
-    return flush(connection, false);
-  }
-
-  bool flush(Connection& connection, bool isWatched) const {
-    auto& output = connection.output;
-    while (!output.empty()) {
-      const auto count = send(connection.socket, output.data(), output.size(), MSG_NOSIGNAL);
-      if (count < 0 && errno != EAGAIN) return false;
-      if (count < 0) {
-        if (!isWatched) watch(connection.socket, EPOLLOUT, EPOLL_CTL_MOD);
-        return true;
-      }
-      output.remove_prefix(static_cast<std::size_t>(count));
-    }
-    if (isWatched) watch(connection.socket, EPOLLIN, EPOLL_CTL_MOD);
-    return connection.then == Answer::Then::Keep;
+    const auto count = recv(client, bytes.data(), bytes.size(), 0);
+    if (count <= 0) return Answer::Then::Close;
+    auto& input = inputs_[client];
+    input.append(bytes.data(), static_cast<std::size_t>(count));
+    const auto size = requestSize(input);
+    if (size == 0) return Answer::Then::Keep;
+    input.erase(0, size);
+    const auto [answer, then] = answers_();
+    send(client, answer.data(), answer.size(), MSG_NOSIGNAL);
+    return then;
   }
 
   const Answers& answers_;
   int epoll_;
   int listener_;
   int port_ = 0;
-  std::unordered_map<int, Connection> connections_;
+  std::unordered_map<int, std::string> inputs_;  // not yet answered
 };
 
 }  // namespace

@@ -38,8 +38,8 @@ struct Answer {
   Then then = Then::Keep;
 };
 
-/// Gives the answer to a request's path; the bytes must live on.
-using Answers = std::function<Answer(std::string_view path)>;
+/// Gives the answer to each request; the bytes must live on.
+using Answers = std::function<Answer()>;
 
 /// A small, fast HTTP/1.1 server on 127.0.0.1: one thread, epoll, connections kept alive, no
 /// pipelining. Never returns.
