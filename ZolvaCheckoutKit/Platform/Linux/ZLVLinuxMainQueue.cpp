@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <cerrno>
 #include <system_error>
 #include <utility>
@@ -33,9 +34,14 @@ ZLVLinuxMainQueue::~ZLVLinuxMainQueue() {
 }
 
 void ZLVLinuxMainQueue::dispatch(ZLVOnce<void()> block) {
-  const std::lock_guard lock(mutex_);
-  blocks_.push_back(std::move(block));
-  if (blocks_.size() == 1) eventfd_write(fileDescriptor_, 1);
+  bool isFirst = false;
+  {
+    const std::lock_guard lock(mutex_);
+    blocks_.push_back(std::move(block));
+    isFirst = blocks_.size() == 1;
+  }
+  // The main thread wants the lock as soon as it is awake.
+  if (isFirst) eventfd_write(fileDescriptor_, 1);
 }
 
 void ZLVLinuxMainQueue::run() {
@@ -52,10 +58,10 @@ void ZLVLinuxMainQueue::stop() {
 }
 
 void ZLVLinuxMainQueue::drain() {
-  std::size_t count = 0;
+  std::size_t count = 1;  // a look at an empty queue takes its signal back
   {
     const std::lock_guard lock(mutex_);
-    count = blocks_.size();
+    count = std::max(count, blocks_.size());
   }
   while (count-- > 0 && runNext()) {
   }
@@ -63,14 +69,17 @@ void ZLVLinuxMainQueue::drain() {
 
 bool ZLVLinuxMainQueue::runNext() {
   ZLVOnce<void()> block;
+  bool isEmpty = false;
   {
     const std::lock_guard lock(mutex_);
-    if (blocks_.empty()) return false;
-    block = std::move(blocks_.front());
-    blocks_.pop_front();
+    isEmpty = blocks_.empty();
+    if (!isEmpty) {
+      block = std::move(blocks_.front());
+      blocks_.pop_front();
+    }
     eventfd_t ignored = 0;
     if (blocks_.empty()) eventfd_read(fileDescriptor_, &ignored);
   }
   std::move(block)();
-  return true;
+  return !isEmpty;
 }

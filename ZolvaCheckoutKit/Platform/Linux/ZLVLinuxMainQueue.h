@@ -38,8 +38,8 @@ class ZLV_EXPORT ZLVLinuxMainQueue final : public ZLVMainQueue {
   /// thread.
   void drain();
 
-  /// Readable (`POLLIN`) exactly while a block is queued; for the host to watch only, never to read
-  /// or close. Valid as long as the queue. Any thread.
+  /// Readable (`POLLIN`) while a block is queued, and now and then when `drain` finds none; for the
+  /// host to watch only, never to read or close. Valid as long as the queue. Any thread.
   [[nodiscard]] int fileDescriptor() const noexcept { return fileDescriptor_; }
 
  private:
