@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <mutex>
 #include <stdexcept>
 #include <thread>
@@ -15,8 +16,6 @@ namespace {
 class Curl final : public Contender {
  public:
   explicit Curl(bool reusesHandles) : reusesHandles_(reusesHandles) {
-    curl_global_init(CURL_GLOBAL_DEFAULT);
-    multi_ = curl_multi_init();
     for (const auto& [name, value] : requestHeaders) {
       headers_ = curl_slist_append(headers_, (std::string(name) + ": " + value).c_str());
     }
@@ -78,8 +77,8 @@ class Curl final : public Contender {
       const std::lock_guard lock(mutex_);
       added.swap(added_);
     }
+    if (std::ranges::find(added, "") != added.end()) return false;
     for (const auto& url : added) {
-      if (url.empty()) return false;
       // libcurl has it until it gives it back in `end`.
       Call* call = takeCall().release();
       curl_easy_setopt(call->handle, CURLOPT_URL, url.c_str());
@@ -120,7 +119,7 @@ class Curl final : public Contender {
   }
 
   std::shared_ptr<ZLVLinuxMainQueue> queue_ = ZLVLinuxMainQueue::mainQueue();
-  CURLM* multi_;
+  CURLM* multi_ = (curl_global_init(CURL_GLOBAL_DEFAULT), curl_multi_init());
   curl_slist* headers_ = nullptr;
   const bool reusesHandles_;
   std::vector<std::unique_ptr<Call>> idle_;

@@ -3,6 +3,7 @@
 #include <filesystem>
 #include <fstream>
 #include <future>
+#include <memory>
 #include <sstream>
 #include <stdexcept>
 
@@ -33,10 +34,10 @@ class Files {
     system << std::ifstream(curl_version_info(CURLVERSION_NOW)->cainfo).rdbuf();
     write("all-authorities.pem", system.str() + '\n' + authority_.certificatePEM());
     write(std::string(accountPath).substr(1), accountDocument(fewPaymentOptions));
-    std::FILE* key = std::fopen((path_ / "key.pem").c_str(), "w");
-    PEM_write_PrivateKey(key, SSL_CTX_get0_privatekey(identity_.serverContext().get()), nullptr,
-                         nullptr, 0, nullptr, nullptr);
-    std::fclose(key);
+    const std::unique_ptr<std::FILE, decltype(&std::fclose)> key(
+        std::fopen((path_ / "key.pem").c_str(), "w"), &std::fclose);
+    PEM_write_PrivateKey(key.get(), SSL_CTX_get0_privatekey(identity_.serverContext().get()),
+                         nullptr, nullptr, 0, nullptr, nullptr);
   }
   Files(const Files&) = delete;
   Files& operator=(const Files&) = delete;

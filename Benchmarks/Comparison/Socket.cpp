@@ -38,7 +38,8 @@ class Socket final : public Contender {
     address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
     address.sin_port =
         htons(static_cast<std::uint16_t>(std::stoi(host.substr(host.find(':') + 1))));
-    if (connect(socket_, reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0) {
+    if (connect(socket_, static_cast<sockaddr*>(static_cast<void*>(&address)), sizeof address) !=
+        0) {
       throw std::runtime_error("connect");
     }
   }

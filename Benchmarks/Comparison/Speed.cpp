@@ -36,11 +36,11 @@ double medianOf(const std::vector<CallCost>& costs, double CallCost::*member) {
 }
 
 /// The median of the rounds' ratios, which a drift of the machine leaves alone.
-double ratio(const std::vector<CallCost>& costs, const std::vector<CallCost>& others,
+double ratio(const std::vector<CallCost>& costs, const std::vector<CallCost>& reference,
              double CallCost::*member) {
   Numbers ratios;
   for (std::size_t i = 0; i < costs.size(); ++i) {
-    ratios.push_back(costs[i].*member / others[i].*member);
+    ratios.push_back(costs[i].*member / reference[i].*member);
   }
   return median(ratios);
 }
@@ -58,9 +58,9 @@ Row atMost(const char* figure, double limit, const std::vector<CallCost>& librar
 }
 
 Row ahead(const char* figure, double factor, const std::vector<CallCost>& library,
-          const std::vector<CallCost>& other, double CallCost::*member) {
-  const double value = ratio(other, library, member);
-  Row row{figure, "", format("%.2f × (%.1f µs)", value, medianOf(other, member))};
+          const std::vector<CallCost>& contender, double CallCost::*member) {
+  const double value = ratio(contender, library, member);
+  Row row{figure, "", format("%.2f × (%.1f µs)", value, medianOf(contender, member))};
   if (factor > 0) {
     row.reach = format("≥ %.1f ×", factor);
     row.isMet = value >= factor;
@@ -100,10 +100,10 @@ Rows speedRows(const Run& run) {
       ahead("ahead of libsoup, CPU", 0, one[0], one[2], CPU),
       ahead("ahead of Qt, CPU", 0, one[0], one[3], CPU),
       ahead("ahead of libsoup, 64 in flight", 0, many[0], many[2], seconds),
-      ahead("ahead of raw multi with used handles, latency", 0, one[0], one[6], seconds),
-      ahead("ahead of a raw blocking socket, latency", 0, one[0], one[4], seconds),
-      ahead("the same with the client's usage event, a second call: latency", 0, one[0], one[5],
-            seconds),
+      ahead("beside raw multi with used handles, latency", 0, one[0], one[6], seconds),
+      ahead("beside a raw blocking socket, latency", 0, one[0], one[4], seconds),
+      ahead("beside the client's call with its usage event, a second call, latency", 0, one[0],
+            one[5], seconds),
   };
 }
 

@@ -148,7 +148,9 @@ bool soak(int calls) {
 }  // namespace
 
 int main(int argc, char** argv) try {
-  return soak(argc > 1 ? std::stoi(argv[1]) : 1'000'000) ? EXIT_SUCCESS : EXIT_FAILURE;
+  const int calls = argc > 1 ? std::stoi(argv[1]) : 1'000'000;
+  if (calls < 2 * settled) throw std::invalid_argument("too few calls to tell");
+  return soak(calls) ? EXIT_SUCCESS : EXIT_FAILURE;
 } catch (const std::exception& error) {
   std::fprintf(stderr, "%s\n", error.what());
   return EXIT_FAILURE;

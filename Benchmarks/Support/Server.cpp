@@ -48,7 +48,7 @@ class Server {
     address.sin_family = AF_INET;
     address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
     socklen_t size = sizeof address;
-    auto* const name = reinterpret_cast<sockaddr*>(&address);
+    auto* const name = static_cast<sockaddr*>(static_cast<void*>(&address));
     checked(bind(listener_, name, size), "bind");
     checked(listen(listener_, SOMAXCONN), "listen");
     checked(getsockname(listener_, name, &size), "getsockname");
@@ -134,18 +134,18 @@ ForkedServer::ForkedServer(const std::function<void(const TellPort&)>& serve) {
   std::array<int, 2> channel{};
   checked(pipe(channel.data()), "pipe");
   const pid_t parent = getpid();
-  process_ = checked(fork(), "fork");
-  if (process_ == 0) {
+  const pid_t child = checked(fork(), "fork");
+  if (child == 0) {
     prctl(PR_SET_PDEATHSIG, SIGKILL);
-    if (getppid() == parent) {
-      serve([&channel](int port) {
-        checked(write(channel[1], &port, sizeof port) > 0 ? 0 : -1, "write");
-      });
-    }
+    const auto tellPort = [&channel](int port) {
+      checked(write(channel[1], &port, sizeof port) == sizeof port ? 0 : -1, "write");
+    };
+    if (getppid() == parent) serve(tellPort);
     _exit(EXIT_FAILURE);
   }
+  process_ = child;
   close(channel[1]);
-  checked(read(channel[0], &port_, sizeof port_) == sizeof port_ ? 0 : -1, "server");
+  checked(read(channel[0], &port_, sizeof port_) == sizeof port_ ? 0 : -1, "a server's port");
   close(channel[0]);
 }
 

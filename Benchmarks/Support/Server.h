@@ -23,7 +23,7 @@ class ForkedServer {
   [[nodiscard]] int port() const { return port_; }
 
  private:
-  pid_t process_;
+  pid_t process_ = -1;
   int port_ = 0;
 };
 
