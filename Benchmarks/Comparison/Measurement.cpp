@@ -78,23 +78,28 @@ double peakResidentKilobytes() {
   return static_cast<double>(usage.ru_maxrss);
 }
 
-CallCost makeCalls(Contender& contender, const std::string& server, int calls, int inFlight) {
+CallCost makeCalls(Contender& contender, const std::string& server, int calls, int inFlight,
+                   int before) {
+  using Clock = std::chrono::steady_clock;
   int started = 0;
   int ended = 0;
+  double CPUSeconds = processSeconds();
+  auto begin = Clock::now();
   const auto start = [&] {
     ++started;
     contender.start(server);
   };
   contender.done = [&](const Record& record) {
     if (record->accountStatus().text() != "ENABLED") throw std::runtime_error("another account");
-    ++ended;
-    if (started < calls) start();
-    if (ended == calls) contender.stop();
+    if (++ended == before) {
+      CPUSeconds = processSeconds();
+      begin = Clock::now();
+    }
+    if (started < before + calls) start();
+    if (ended == before + calls) contender.stop();
   };
-  const double CPUSeconds = processSeconds();
-  const auto begin = std::chrono::steady_clock::now();
-  while (started < std::min(calls, inFlight)) start();
+  while (started < std::min(before + calls, inFlight)) start();
   contender.run();
-  const std::chrono::duration<double> elapsed = std::chrono::steady_clock::now() - begin;
+  const std::chrono::duration<double> elapsed = Clock::now() - begin;
   return {elapsed.count() / calls, (processSeconds() - CPUSeconds) / calls};
 }

@@ -28,5 +28,7 @@ struct CallCost {
   double CPUSeconds;
 };
 
-/// Makes so many calls, so many of them at a time, and checks each record.
-CallCost makeCalls(Contender& contender, const std::string& server, int calls, int inFlight);
+/// Makes so many calls, so many of them at a time, after some that are not measured, and checks
+/// each record.
+CallCost makeCalls(Contender& contender, const std::string& server, int calls, int inFlight,
+                   int before = 0);
