@@ -57,6 +57,7 @@ class MeteredQueue final : public ZLVMainQueue {
 /// Median and 99th percentile of a call's time on the main thread, and the waits of all calls.
 Numbers calls(Make make, const std::string& server) {
   constexpr int count = 5000;
+  stayOnOneProcessor();
   Meter meter;
   auto platform = libraryPlatform(server);
   platform.mainQueue = std::make_shared<MeteredQueue>(platform.mainQueue, meter);
@@ -89,11 +90,11 @@ Rows mainThreadRows(const Run& run) {
   Numbers plain;
   Numbers setUps;
   for (int round = 0; round < run.rounds; ++round) {
-    const auto client = inChild([&run] { return calls(&makeClient, run.server); });
+    const auto client = inChild([&run] { return calls(&makeClient, run.neighbour); });
     medians.push_back(client.at(0));
     tails.push_back(client.at(1));
     waits.push_back(client.at(2));
-    plain.push_back(inChild([&run] { return calls(&makeLibrary, run.server); }).at(0));
+    plain.push_back(inChild([&run] { return calls(&makeLibrary, run.neighbour); }).at(0));
     setUps.push_back(inChild([&run] { return setUp(run.server); }).at(0));
   }
   return {

@@ -10,6 +10,7 @@
 #include <fstream>
 #include <stdexcept>
 
+#include <sched.h>
 #include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -49,6 +50,13 @@ Numbers inChild(const std::function<Numbers()>& measure) {
   waitpid(child, &status, 0);
   if (status != 0) throw std::runtime_error("a measurement failed");
   return numbers;
+}
+
+void stayOnOneProcessor() {
+  cpu_set_t first;
+  CPU_ZERO(&first);
+  CPU_SET(0, &first);
+  if (sched_setaffinity(0, sizeof first, &first) != 0) throw std::runtime_error("affinity");
 }
 
 double quantile(Numbers numbers, double share) {

@@ -11,6 +11,9 @@ using Numbers = std::vector<double>;
 /// What `measure` returns, in a process of its own.
 Numbers inChild(const std::function<Numbers()>& measure);
 
+/// Takes all threads of this process, which must have no others yet, to the same processor.
+void stayOnOneProcessor();
+
 double median(Numbers numbers);
 /// The number below which this share of them lies.
 double quantile(Numbers numbers, double share);

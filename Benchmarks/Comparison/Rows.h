@@ -16,6 +16,7 @@ using Rows = std::vector<Row>;
 /// Where to call, and how often each measurement is taken.
 struct Run {
   std::string server;
+  std::string neighbour;  ///< A server for clients that stay on one processor with it.
   int rounds;
 };
 

@@ -11,16 +11,18 @@ struct Entry {
 
 /// What each entry's calls cost, taken in turn and again each round.
 std::vector<std::vector<CallCost>> costs(const Run& run, const std::vector<Entry>& entries,
-                                         int inFlight) {
+                                         int inFlight, bool onOneProcessor) {
+  const auto& server = onOneProcessor ? run.neighbour : run.server;
   std::vector<std::vector<CallCost>> costs(entries.size());
   for (int round = 0; round < run.rounds; ++round) {
     for (std::size_t i = 0; i < entries.size(); ++i) {
       const auto numbers = inChild([&]() -> Numbers {
         const auto& [make, isLibrary, calls] = entries[i];
-        if (isLibrary) installLibrary(libraryPlatform(run.server), run.server);
+        if (onOneProcessor) stayOnOneProcessor();
+        if (isLibrary) installLibrary(libraryPlatform(server), server);
         const auto contender = make();
         const int before = calls / 10 + 2 * inFlight;
-        const auto cost = makeCalls(*contender, run.server, calls, inFlight, before);
+        const auto cost = makeCalls(*contender, server, calls, inFlight, before);
         return {cost.seconds, cost.CPUSeconds};
       });
       costs[i].push_back({numbers.at(0), numbers.at(1)});
@@ -80,12 +82,12 @@ Rows speedRows(const Run& run) {
                           {&makeSocket, false, calls},
                           {&makeClient, true, calls},
                           {&makeCurlWithUsedHandles, false, calls}},
-                         1);
+                         1, true);
   const auto many = costs(run,
                           {{&makeLibrary, true, 5 * calls},
                            {&makeCurl, false, 5 * calls},
                            {&makeSoup, false, 2 * calls}},
-                          64);
+                          64, false);
   const auto callsPerSecond = [](const auto& cost) { return 1e6 / medianOf(cost, seconds); };
   const double throughput = 1 / ratio(many[0], many[1], seconds);
   return {
@@ -116,7 +118,7 @@ Rows loadRows(const Run& run) {
   double growth = 0;
   for (const int inFlight : {1, 10, 100, 1000}) {
     const auto& load = loads.emplace_back(
-        costs(run, {{&makeLibrary, true, calls}, {&makeCurl, false, calls}}, inFlight));
+        costs(run, {{&makeLibrary, true, calls}, {&makeCurl, false, calls}}, inFlight, false));
     for (const auto& before : loads) growth = std::max(growth, ratio(load[0], before[0], CPU));
     library += format(" %.1f", medianOf(load[0], CPU));
     raw += format(" %.1f", medianOf(load[1], CPU));

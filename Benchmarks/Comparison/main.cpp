@@ -6,6 +6,7 @@
 
 #include <sys/resource.h>
 
+#include "Benchmarks/Comparison/Measurement.h"
 #include "Benchmarks/Comparison/Rows.h"
 #include "Benchmarks/Support/Accounts.h"
 #include "Benchmarks/Support/Server.h"
@@ -45,10 +46,16 @@ Row sizeRow(double kilobytes) {
 void compare(bool isCheap, double kilobytes) {
   allowDescriptors();
   const auto answer = response(accountDocument(fewPaymentOptions));
-  const ForkedServer server([&answer](const TellPort& tellPort) {
+  const auto serve = [&answer](const TellPort& tellPort) {
     serveHTTP([&answer] { return Answer{answer}; }, tellPort);
+  };
+  const ForkedServer server(serve);
+  const ForkedServer neighbour([&serve](const TellPort& tellPort) {
+    stayOnOneProcessor();
+    serve(tellPort);
   });
-  const Run run{"http://127.0.0.1:" + std::to_string(server.port()), isCheap ? 3 : 11};
+  const Run run{"http://127.0.0.1:" + std::to_string(server.port()),
+                "http://127.0.0.1:" + std::to_string(neighbour.port()), isCheap ? 3 : 11};
   const auto memory = memoryRows(run);  // before this process has used any to speak of
 
   std::printf("| figure | reach | measured | met |\n|---|---|---|---|\n");
