@@ -102,9 +102,8 @@ ZLVNetwork::ZLVNetwork() : session_(ZLVPlatform::installed("ZLVNetwork").makeURL
 void ZLVNetwork::request(std::shared_ptr<const ZLVNetworkService> service,
                          Completion::Handler completion) {
   auto request = ZLVRequestBuilder::buildRequestFrom(*service);
-  auto respond = [service = std::move(service),
-                  completion =
-                      Completion(std::move(completion))](const ZLVURLAnswer& answer) mutable {
+  auto respond = [service = std::move(service), completion = Completion(std::move(completion))](
+                     const ZLVURLAnswer& answer) mutable {
     if (ZLVVendor::shared().isLoggingEnabled() &&
         service->serviceType() == ZLVServiceTypeMerchant) {
       logExchange(*service, answer);
