@@ -17,6 +17,9 @@ add_link_options(LINKER:--gc-sections)
 
 if(ZLV_DEVELOPER)
   add_compile_options(-Wall -Wextra -Wpedantic -Wconversion -Wshadow -Werror)
+  if(CMAKE_CXX_COMPILER_ID STREQUAL GNU AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
+    add_compile_options(-Wno-restrict) # sees overlaps in the concatenation of strings
+  endif()
 endif()
 
 if(ZLV_HARDENING)

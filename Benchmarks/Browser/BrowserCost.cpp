@@ -89,7 +89,7 @@ void measure(GtkWindow* window, int rounds) {
 
 }  // namespace
 
-/// BrowserCost [ROUNDS]
+/// browser [ROUNDS]
 int main(int argc, char** argv) {
   int rounds = argc > 1 ? std::max(2, std::atoi(argv[1])) : 11;
   GtkApplication* application =
