@@ -96,7 +96,7 @@ int main(int argc, char** argv) {
       gtk_application_new("com.example.BrowserCost", G_APPLICATION_NON_UNIQUE);
   ZLVPlatform::install(ZLVGTKPlatform::platformWithApplication(
       application, {.applicationName = "BrowserCost", .applicationVersion = "1"}));
-  g_signal_connect(application, "activate", G_CALLBACK(+[](GtkApplication* self, int* count) {
+  g_signal_connect(application, "activate", G_CALLBACK(+[](GtkApplication* self, const int* count) {
                      GtkWidget* window = gtk_application_window_new(self);
                      gtk_window_set_default_size(GTK_WINDOW(window), 360, 640);
                      gtk_window_set_child(GTK_WINDOW(window), gtk_button_new_with_label("Pay"));
