@@ -22,6 +22,9 @@ inline constexpr std::string_view NSLocalizedDescriptionKey = "NSLocalizedDescri
 inline constexpr std::string_view NSLocalizedFailureReasonErrorKey = "NSLocalizedFailureReason";
 inline constexpr std::string_view NSUnderlyingErrorKey = "NSUnderlyingError";
 inline constexpr std::string_view NSURLErrorFailingURLStringErrorKey = "NSErrorFailingURLStringKey";
+/// Stands, as true, in an error of `NSURLErrorDomain` when a server had received the request before
+/// the call failed, such as one that redirected it to a server that cannot be reached.
+inline constexpr std::string_view ZLVErrorRequestWasSentKey = "ZLVErrorRequestWasSent";
 
 /// Codes of `NSURLErrorDomain`, the same on every platform.
 enum NSURLError : std::int64_t {
@@ -72,6 +75,21 @@ class ZLV_EXPORT ZLVError {
   [[nodiscard]] std::string localizedFailureReason() const;
   /// Domain, code, description and user info in one line, for diagnostics.
   [[nodiscard]] std::string debugDescription() const;
+
+  /// Whether the server may have carried out the request although the call ended in this error:
+  /// after a charge, ask your server what became of the order before you charge again.
+  ///
+  /// False only where it is certain that nothing came of it: the request never left this machine
+  /// (`NSURLErrorBadURL`, `NSURLErrorUnsupportedURL`, `NSURLErrorCannotFindHost`,
+  /// `NSURLErrorCannotConnectToHost`, `NSURLErrorNotConnectedToInternet`,
+  /// `NSURLErrorAppTransportSecurityRequiresSecureConnection` or a refused server certificate, each
+  /// without `ZLVErrorRequestWasSentKey`), or your server refused it (400 to 499).
+  ///
+  /// ```cpp
+  /// if (error->requestMayHaveTakenEffect()) return askServerFor(order);
+  /// offerToPayAgain(error->localizedDescription());
+  /// ```
+  [[nodiscard]] bool requestMayHaveTakenEffect() const noexcept;
 
   friend bool operator==(const ZLVError&, const ZLVError&) = default;
 

@@ -1,7 +1,24 @@
+#include <algorithm>
 #include <utility>
 
 #include <ZolvaCheckoutKit/Core/Helpers/ZLVText.h>
 #include <ZolvaCheckoutKit/ZLVError.h>
+
+namespace {
+
+/// Codes of `NSURLErrorDomain` that arise before a request is sent.
+constexpr std::int64_t beforeSending[] = {NSURLErrorBadURL,
+                                          NSURLErrorUnsupportedURL,
+                                          NSURLErrorCannotFindHost,
+                                          NSURLErrorCannotConnectToHost,
+                                          NSURLErrorNotConnectedToInternet,
+                                          NSURLErrorAppTransportSecurityRequiresSecureConnection,
+                                          NSURLErrorServerCertificateHasBadDate,
+                                          NSURLErrorServerCertificateUntrusted,
+                                          NSURLErrorServerCertificateHasUnknownRoot,
+                                          NSURLErrorServerCertificateNotYetValid};
+
+}  // namespace
 
 ZLVError::ZLVError(std::string_view domain, std::int64_t code, ZLVDictionary userInfo)
     : domain_(domain), code_(code), userInfo_(std::move(userInfo)) {}
@@ -31,4 +48,11 @@ std::string ZLVError::debugDescription() const {
   return ZLVOneLine(ZLVStringWithFormat(
       "Error Domain=%@ Code=%@ \"%@\" UserInfo=%@",
       {domain(), std::to_string(code_), localizedDescription(), userInfo_.description()}));
+}
+
+bool ZLVError::requestMayHaveTakenEffect() const noexcept {
+  if (domain_.text() == ZLVErrorDomain) return code_ < 400 || code_ > 499;
+  if (domain_.text() != NSURLErrorDomain) return true;
+  return userInfo().contains(ZLVErrorRequestWasSentKey) ||
+         std::ranges::find(beforeSending, code_) == std::end(beforeSending);
 }
