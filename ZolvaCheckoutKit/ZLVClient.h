@@ -3,12 +3,12 @@
 #include <functional>
 #include <memory>
 #include <optional>
-#include <string>
 
 #include <ZolvaCheckoutKit/ZLVAccountRecords.h>
 #include <ZolvaCheckoutKit/ZLVError.h>
 #include <ZolvaCheckoutKit/ZLVExport.h>
 #include <ZolvaCheckoutKit/ZLVMappable.h>
+#include <ZolvaCheckoutKit/ZLVOptionalText.h>
 #include <ZolvaCheckoutKit/ZLVRequestRecords.h>
 #include <ZolvaCheckoutKit/ZLVTransactionRecords.h>
 #include <ZolvaCheckoutKit/ZLVURL.h>
@@ -39,7 +39,7 @@ using ZLVCompletionHandler =
 /// configured or when a value that it cannot do without is missing.
 class ZLV_EXPORT ZLVClient {
  public:
-  using Text = std::optional<std::string>;
+  using Text = ZLVOptionalText;
 
   ZLVClient() = delete;
 
@@ -68,8 +68,9 @@ class ZLV_EXPORT ZLVClient {
 
   /// Creates a charge paid from a linked account. A verification page is handled as an activation
   /// is in `linkAccountWithPaymentType`. The record is a `ZLVTransactionResponse`. The request is
-  /// sent once: after an error of `NSURLErrorDomain` ask your server whether the charge was made
-  /// before you repeat it. `itemDetails` may be left out; everything else is required.
+  /// sent once: after an error whose `requestMayHaveTakenEffect()` is true ask your server whether
+  /// the charge was made before you repeat it. `itemDetails` may be left out; everything else is
+  /// required.
   static void createTransactionWithPaymentType(
       Text paymentType, std::shared_ptr<ZLVViewController> viewController,
       std::shared_ptr<ZLVZolvaDetails> zolvaDetails,

@@ -1,10 +1,10 @@
 #pragma once
 
 #include <atomic>
-#include <optional>
-#include <string>
+#include <utility>
 
 #include <ZolvaCheckoutKit/ZLVExport.h>
+#include <ZolvaCheckoutKit/ZLVOptionalText.h>
 
 /// The library's configuration: one object for the whole process, filled by
 /// `ZLVClient::initWithMerchantServerURL` and read by every operation at the moment it runs.
@@ -13,7 +13,7 @@
 /// the logging flag may be changed while calls are under way. A text that was never set is absent.
 class ZLV_EXPORT ZLVVendor {
  public:
-  using Text = std::optional<std::string>;
+  using Text = ZLVOptionalText;
 
   /// The one instance, made on the first call and kept until the process ends. Any thread.
   static ZLVVendor& shared();

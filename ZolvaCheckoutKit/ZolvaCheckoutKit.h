@@ -7,6 +7,7 @@
 #include <ZolvaCheckoutKit/ZLVClient.h>
 #include <ZolvaCheckoutKit/ZLVError.h>
 #include <ZolvaCheckoutKit/ZLVMappable.h>
+#include <ZolvaCheckoutKit/ZLVOptionalText.h>
 #include <ZolvaCheckoutKit/ZLVRequestRecords.h>
 #include <ZolvaCheckoutKit/ZLVTransactionRecords.h>
 #include <ZolvaCheckoutKit/ZLVURL.h>

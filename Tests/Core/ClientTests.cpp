@@ -12,9 +12,10 @@ class Client : public testing::Test {
     platform.ui->root = presenter;
   }
 
-  /// A completion that notes its call in the journal.
+  /// A completion that notes its call in the journal; an empty one while nobody listens.
   template <class Record>
   ZLVCompletionHandler<Record> note() {
+    if (!isListening) return {};
     return [this](std::shared_ptr<Record> record, const std::optional<ZLVError>& error) {
       EXPECT_NE(record == nullptr, !error);
       result = record;
@@ -34,6 +35,8 @@ class Client : public testing::Test {
         ZLVCustomerDetails::initWithPhoneNumber("81", "Ada", "L", "a@b.c"), std::move(items),
         note<ZLVTransactionResult>());
   }
+  void enquire() { ZLVClient::enquireAccountWithAccountID("abc", note<ZLVAccountInfo>()); }
+  void disable() { ZLVClient::disableAccountWithAccountID("abc", note<ZLVDisableAccountResult>()); }
   void answer(int status, const std::string& body) {
     platform.session.merchant.back().answer(status, body);
     platform.queue->drain();
@@ -48,6 +51,29 @@ class Client : public testing::Test {
   std::shared_ptr<ZLVViewController> presenter = std::make_shared<ZLVViewController>();
   std::shared_ptr<ZLVMappable> result;
   std::optional<ZLVError> failure;
+  bool isListening = true;
+
+  /// The operations with the events of their success, of their page's end, and of their failure.
+  struct Operation {
+    std::function<void()> call;
+    Journal passed, pageEnded;
+    std::string failed;
+    const char* actionName = nullptr;
+  };
+  const Operation operations[4] = {
+      {[this] { link(); },
+       {"Link Account Success"},
+       {"Link Account Success"},
+       "Link Account Error",
+       "activation-deeplink"},
+      {[this] { charge(); },
+       {},
+       {"Create Transaction Success"},
+       "Create Transaction Error",
+       "user-verification"},
+      {[this] { enquire(); }, {"Enquire Account Success"}, {}, "Enquire Account Error"},
+      {[this] { disable(); }, {"Unlink Account Success"}, {}, "Unlink Account Error"},
+  };
 };
 
 std::string actions(const std::string& list) {
@@ -58,6 +84,12 @@ std::string action(const std::string& name, const std::string& url) {
 }
 
 struct Subclass : ZLVNavigationController {};
+
+struct OtherPage : ZLVWebViewController {
+  OtherPage() : ZLVWebViewController(browserWithURL(*ZLVURL::URLWithString("https://o.test"))) {
+    setCallback([] {});
+  }
+};
 
 }  // namespace
 
@@ -99,36 +131,53 @@ TEST_F(Client, SendsItsRequests) {
 }
 
 TEST_F(Client, RecordsTheEventBeforeItCompletes) {
-  const std::string ok = R"({"status_code":"200","account_id":"abc"})";
-  ZLVClient::enquireAccountWithAccountID("abc", note<ZLVAccountInfo>());
-  answer(200, ok);
-  EXPECT_EQ(takeJournal(), (Journal{"Enquire Account Success", "completion"}));
-  ZLVClient::disableAccountWithAccountID("abc", note<ZLVDisableAccountResult>());
-  answer(204, ok);
-  EXPECT_EQ(takeJournal(), (Journal{"Unlink Account Success", "completion"}));
+  for (const auto& operation : operations) {
+    operation.call();
+    answer(204, R"({"status_code":"200","account_id":"abc"})");
+    auto expected = operation.passed;
+    expected.emplace_back("completion");
+    EXPECT_EQ(takeJournal(), expected);
 
-  struct Case {
-    std::function<void()> call;
-    const char* event;
-  };
-  const Case cases[] = {
-      {[this] { link(); }, "Link Account Error"},
-      {[this] { charge(); }, "Create Transaction Error"},
-      {[this] { ZLVClient::enquireAccountWithAccountID("a", note<ZLVAccountInfo>()); },
-       "Enquire Account Error"},
-      {[this] { ZLVClient::disableAccountWithAccountID("a", note<ZLVDisableAccountResult>()); },
-       "Unlink Account Error"}};
-  for (const auto& [call, event] : cases) {
-    call();
+    const Journal failed{operation.failed, "completion"};
+    operation.call();
     answer(404, R"({"status_message":"Unknown"})");
-    EXPECT_EQ(takeJournal(), (Journal{event, "completion"}));
+    EXPECT_EQ(takeJournal(), failed);
     EXPECT_EQ(failure->code(), 404);
     EXPECT_EQ((*(*platform.lastUpload()[0].dictionary())["evtData"].dictionary())["details"],
               ZLVValue(failure->debugDescription()));
-    call();
+    operation.call();
     answer(200, "[]");
-    EXPECT_EQ(takeJournal(), (Journal{event, "completion"}));
+    EXPECT_EQ(takeJournal(), failed);
     EXPECT_EQ(failure->localizedDescription(), "The answer is not a JSON object.");
+
+    // The session loses the call.
+    operation.call();
+    platform.session.merchant.back().handler = {};
+    EXPECT_TRUE(journal().empty());
+    platform.queue->drain();
+    EXPECT_EQ(takeJournal(), failed);
+    EXPECT_EQ(failure->code(), NSURLErrorCancelled);
+  }
+}
+
+TEST_F(Client, NobodyNeedListen) {
+  isListening = false;
+  for (const auto& operation : operations) {
+    operation.call();
+    answer(500, "{}");
+    EXPECT_EQ(takeJournal(), Journal{operation.failed});
+    operation.call();
+    answer(200, R"({"status_code":"200"})");
+    EXPECT_EQ(takeJournal(), operation.passed);
+    if (operation.actionName == nullptr) continue;
+    operation.call();
+    answer(200, actions(action(operation.actionName, "https://w.test")));
+    journal().clear();
+    std::move(platform.ui->browser->closed)();
+    EXPECT_EQ(takeJournal(), (Journal{"hide https://w.test", operation.pageEnded.front()}));
+    operation.call();
+    answer(200, actions(""));
+    EXPECT_EQ(takeJournal(), Journal{operation.failed});
   }
 }
 
@@ -233,11 +282,53 @@ TEST_F(Client, EveryEndOfThePageCompletesOnce) {
             (Journal{"Link Account Webview is Opened", "Link Account Success", "completion"}));
 }
 
+TEST_F(Client, APageTakesAlongWhatStandsAboveIt) {
+  const auto page = [&](const std::string& url) {
+    link();
+    answer(200, actions(action("activation-deeplink", url)));
+    return std::exchange(platform.ui->browser, nullptr);
+  };
+  // The host's own controller stands above.
+  auto* browser = page("https://w.test");
+  presenter->presentedViewController()->presentViewController(std::make_shared<ZLVViewController>(),
+                                                              false);
+  journal().clear();
+  std::move(browser->closed)();
+  EXPECT_EQ(takeJournal(), (Journal{"hide https://w.test", "Link Account Success", "completion"}));
+  EXPECT_EQ(presenter->presentedViewController(), nullptr);
+
+  // Another page stands above, and above the host's window nothing is left in the way.
+  browser = page("https://w.test/1");
+  auto window = std::exchange(presenter, presenter->presentedViewController());
+  page("https://w.test/2");
+  presenter = std::move(window);
+  journal().clear();
+  std::move(browser->closed)();
+  EXPECT_EQ(takeJournal(),
+            (Journal{"hide https://w.test/2", "Link Account Success", "completion",
+                     "hide https://w.test/1", "Link Account Success", "completion"}));
+  browser = page("https://w.test/3");
+  EXPECT_EQ(takeJournal(), (Journal{"Link Account Webview is Opened", "show https://w.test/3"}));
+
+  // The host keeps the page whose presenter is gone.
+  const auto kept = presenter->presentedViewController();
+  presenter.reset();
+  platform.ui->root.reset();
+  std::move(browser->closed)();
+  EXPECT_TRUE(journal().empty());
+}
+
 TEST_F(Client, OlderSystemsKeepTheirDismissButton) {
-  platform.device->system = "10.3.4";
-  charge();
-  answer(200, actions(action("user-verification", "https://w.test")));
-  EXPECT_FALSE(platform.ui->browser->style);
+  for (const auto& [system, style] :
+       {std::pair("10.3.4", std::optional<ZLVDismissButtonStyle>()),
+        std::pair("11", std::optional(ZLVDismissButtonStyle::Close)),
+        std::pair("12.1", std::optional(ZLVDismissButtonStyle::Close))}) {
+    platform.device->system = system;
+    charge();
+    answer(200, actions(action("user-verification", "https://w.test")));
+    EXPECT_EQ(platform.ui->browser->style, style) << system;
+    presenter->dismissViewControllerAnimated(false);
+  }
 }
 
 TEST_F(Client, CallbackUrlWalksToTheTopmostController) {
@@ -269,6 +360,11 @@ TEST_F(Client, CallbackUrlWalksToTheTopmostController) {
   openOver(subclass);
   EXPECT_TRUE(isClosedBy("app://done"));
 
+  // A subclass of the browser is not the library's to close.
+  subclass->presentViewController(std::make_shared<OtherPage>(), false);
+  journal().clear();
+  EXPECT_FALSE(isClosedBy("app://done"));
+
   openOver(top);
   EXPECT_FALSE(isClosedBy("app://done"));
   platform.ui->root = std::make_shared<ZLVNavigationController>();
@@ -298,23 +394,35 @@ TEST_F(Client, MissingArgumentsAreFaultsBeforeAnythingIsSent) {
   const std::shared_ptr<ZLVTransactionDetails> noTransaction;
   const std::shared_ptr<ZLVCustomerDetails> noCustomer;
   const ZLVRecords<ZLVItemDetails> none;
+  const char* const noText = nullptr;
   const std::pair<const char*, std::function<void()>> calls[] = {
-      {"payment type",
+      {"linkAccountWithPaymentType: no payment type",
        [&] {
          ZLVClient::linkAccountWithPaymentType({}, nullptr, nullptr, note<ZLVLinkAccountResult>());
        }},
-      {"account id", [&] { ZLVClient::enquireAccountWithAccountID({}, note<ZLVAccountInfo>()); }},
-      {"account id", [&] { ZLVClient::disableAccountWithAccountID({}, {}); }},
-      {"payment type", [&] { createWith({}, zolva, transaction, customer, none); }},
+      {"enquireAccountWithAccountID: no account id",
+       [&] { ZLVClient::enquireAccountWithAccountID({}, note<ZLVAccountInfo>()); }},
+      {"disableAccountWithAccountID: no account id",
+       [&] { ZLVClient::disableAccountWithAccountID(noText, {}); }},
+      {"payment type", [&] { createWith(noText, zolva, transaction, customer, none); }},
       {"wallet details", [&] { createWith("t", noZolva, transaction, customer, none); }},
       {"transaction details", [&] { createWith("t", zolva, noTransaction, customer, none); }},
       {"customer details", [&] { createWith("t", zolva, transaction, noCustomer, none); }},
       {"item", [&] { createWith("t", zolva, transaction, customer, holes); }},
-      {"merchant server URL",
+      {"disableAccountWithAccountID: no device name",
        [&] {
-         ZLVVendor::shared().setMerchantSeverURL({});
+         platform.device->deviceName.reset();
+         disable();
+       }},
+      {"createTransactionWithPaymentType: no merchant server URL",
+       [&] {
+         platform.device->deviceName = "Ada's phone";
+         ZLVVendor::shared().setMerchantSeverURL(noText);
          createWith("t", zolva, transaction, customer, none);
        }},
+      {"initWithMerchantServerURL: no merchant id",
+       [&] { ZLVClient::initWithMerchantServerURL("https://x.test", noText, noText, false); }},
+      {"enquireAccountWithAccountID: no merchant id", [&] { enquire(); }},
   };
   for (const auto& [missing, call] : calls) {
     try {
@@ -331,13 +439,39 @@ TEST_F(Client, MissingArgumentsAreFaultsBeforeAnythingIsSent) {
 
 TEST_F(Client, AFaultOnTheMainThreadStillAnswers) {
   // The answer does not fit its record.
-  ZLVClient::enquireAccountWithAccountID("a", note<ZLVAccountInfo>());
-  platform.session.merchant.back().answer(200, R"({"metadata":"text"})");
-  EXPECT_THROW(platform.queue->drain(), ZLVProgrammingFault);
-  EXPECT_EQ(takeJournal(), (Journal{"Enquire Account Success"}));
-  platform.queue->drain();
-  EXPECT_EQ(takeJournal(), (Journal{"completion"}));
-  EXPECT_EQ(failure->code(), NSURLErrorCancelled);
+  const std::tuple<std::size_t, const char*, const char*> misfits[] = {
+      {0, R"({"actions":"secret"})",
+       "a list of records needs an array where the answer has a text"},
+      {1, R"({"actions":[null]})",
+       "ZLVCreateTransactionActions needs a dictionary where the answer has null"},
+      {2, R"({"metadata":1.5})",
+       "ZLVAccountMetadata needs a dictionary where the answer has a number"}};
+  for (const auto& [index, body, misfit] : misfits) {
+    operations[index].call();
+    platform.session.merchant.back().answer(200, body);
+    EXPECT_THROW(platform.queue->drain(), ZLVProgrammingFault);
+    EXPECT_EQ(takeJournal(), index == 2 ? operations[index].passed : Journal());
+    platform.queue->drain();
+    EXPECT_EQ(takeJournal(), Journal{"completion"});
+    EXPECT_EQ(failure->domain(), NSCocoaErrorDomain);
+    EXPECT_EQ(failure->code(), NSPropertyListReadCorruptError);
+    EXPECT_EQ(failure->localizedDescription(),
+              "The answer does not have the expected structure: " + std::string(misfit) + ".");
+  }
+
+  // The error's event cannot be recorded.
+  for (const bool isLost : {false, true}) {
+    const auto name = std::exchange(platform.device->deviceName, "Ada's phone");
+    enquire();
+    platform.device->deviceName.reset();
+    auto task = std::move(platform.session.merchant.back());
+    if (!isLost) task.answer(404, "{}");
+    task.handler = {};
+    EXPECT_THROW(platform.queue->drain(), ZLVProgrammingFault);
+    EXPECT_EQ(takeJournal(), Journal{"completion"});
+    EXPECT_EQ(failure->code(), isLost ? std::int64_t{NSURLErrorCancelled} : 404);
+    platform.device->deviceName = name;
+  }
 
   // The host's completion throws from the page's end.
   ZLVClient::linkAccountWithPaymentType("zolva", nullptr, presenter, [](const auto&, const auto&) {
@@ -346,19 +480,51 @@ TEST_F(Client, AFaultOnTheMainThreadStillAnswers) {
   answer(200, actions(action("activation-deeplink", "https://w.test")));
   presenter->dismissViewControllerAnimated(false);
   EXPECT_THROW(platform.queue->drain(), std::runtime_error);
+
+  // A page needs its callback.
+  ZLVWebViewController::initWithURL(*ZLVURL::URLWithString("https://w.test"), {});
+  EXPECT_THROW(platform.queue->drain(), ZLVProgrammingFault);
+}
+
+/// What `call` throws.
+template <class Call>
+std::string faultOf(Call call) {
+  try {
+    call();
+  } catch (const ZLVProgrammingFault& fault) {
+    return fault.what();
+  }
+  return "none";
 }
 
 TEST(WithoutPlatform, EverythingIsAFaultThatSaysWhatToCall) {
-  try {
-    ZLVClient::initWithMerchantServerURL("https://shop.test", "M", "app://done", false);
-    FAIL();
-  } catch (const ZLVProgrammingFault& fault) {
-    EXPECT_NE(std::string(fault.what()).find("ZLVPlatform::install"), std::string::npos);
+  const std::pair<std::string, std::function<void()>> calls[] = {
+      {"initWithMerchantServerURL",
+       [] { ZLVClient::initWithMerchantServerURL("https://shop.test", "M", "app://done", false); }},
+      {"linkAccountWithPaymentType",
+       [] { ZLVClient::linkAccountWithPaymentType("zolva", nullptr, nullptr, {}); }},
+      {"enquireAccountWithAccountID", [] { ZLVClient::enquireAccountWithAccountID("a", {}); }},
+      {"handleCallbackUrl",
+       [] { ZLVClient::handleCallbackUrl(*ZLVURL::URLWithString("app://done")); }}};
+  for (const auto& [name, call] : calls) {
+    EXPECT_EQ(faultOf(call), name + ": no platform is installed (call ZLVPlatform::install first)");
   }
-  EXPECT_THROW(ZLVPlatform::install({}), ZLVProgrammingFault);
 }
 
-TEST(InstalledTwice, IsAFault) {
-  const FakePlatform first;
-  EXPECT_THROW(FakePlatform(), ZLVProgrammingFault);
+TEST(IncompletePlatform, IsAFaultThatNamesThePart) {
+  const FakePlatform fake;
+  const auto& whole = ZLVPlatform::installed();
+  const std::pair<std::string, std::function<void(ZLVPlatform&)>> parts[] = {
+      {"makeURLSession", [](auto& platform) { platform.makeURLSession = {}; }},
+      {"mainQueue", [](auto& platform) { platform.mainQueue.reset(); }},
+      {"systemLog", [](auto& platform) { platform.systemLog.reset(); }},
+      {"device", [](auto& platform) { platform.device.reset(); }},
+      {"userInterface", [](auto& platform) { platform.userInterface.reset(); }},
+      {"installed already", [](auto&) {}}};
+  for (const auto& [part, remove] : parts) {
+    auto platform = whole;
+    remove(platform);
+    const auto fault = faultOf([&] { ZLVPlatform::install(std::move(platform)); });
+    EXPECT_TRUE(fault.ends_with(part)) << fault;
+  }
 }

@@ -153,8 +153,8 @@ TEST_F(Interleaving, CompletionsCallThrowAndReconfigure) {
 /// ways; the completion then ends the view controller, and may throw.
 TEST_F(Interleaving, CompletionsDestroyTheirViewController) {
   useServer("/page");
-  const auto interface = std::dynamic_pointer_cast<ZLVConsoleUserInterface>(
-      ZLVPlatform::installed("test").userInterface);
+  const auto interface =
+      std::dynamic_pointer_cast<ZLVConsoleUserInterface>(ZLVPlatform::installed().userInterface);
   const auto root = interface->keyWindowRootViewController();
   const std::function<void()> ways[] = {
       [&] { interface->closeBrowser(); },

@@ -79,7 +79,7 @@ TEST(MainQueue, DestroysWhatNeverRan) {
 TEST(Device, KnowsScreenAndLanguages) {
   g_setenv("LANGUAGE", "de_CH:fr", TRUE);
   Host host;
-  const auto& device = *ZLVPlatform::installed("test").device;
+  const auto& device = *ZLVPlatform::installed().device;
   EXPECT_EQ(device.mainScreenSize(), std::nullopt);
   host.run([&] {
     std::thread([&] { EXPECT_EQ(device.mainScreenSize(), (ZLVSize{1280, 800})); }).join();
@@ -91,7 +91,7 @@ TEST(Device, KnowsScreenAndLanguages) {
 TEST(ViewControllers, AreTheWindowsOwnAndFormATree) {
   Host host;
   const auto root = [] {
-    return ZLVPlatform::installed("test").userInterface->keyWindowRootViewController();
+    return ZLVPlatform::installed().userInterface->keyWindowRootViewController();
   };
   std::weak_ptr<ZLVViewController> gone;
   host.run([&] {

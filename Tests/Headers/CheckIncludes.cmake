@@ -8,7 +8,7 @@ cmake_minimum_required(VERSION 3.25)
 set(standard "[a-z_]+")        # C++ headers have no suffix; those of C and of the system do
 set(foreign "[a-z].*|CLI/.*")  # anything of the system and of other projects
 set(boost "boost/.*")
-set(values "ZolvaCheckoutKit/ZLV(Error|Export|Mappable|URL|Value|Version)\\.h")
+set(values "ZolvaCheckoutKit/ZLV(Error|Export|Mappable|OptionalText|URL|Value|Version)\\.h")
 set(records "ZolvaCheckoutKit/ZLV([A-Za-z]+Records|Vendor)\\.h")
 set(facade "ZolvaCheckoutKit/(ZLVClient|ZolvaCheckoutKit)\\.h")
 set(core "ZolvaCheckoutKit/Core/(Analytics|Checkout|Helpers|Models|Network)/[A-Za-z_]+\\.h")

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <concepts>
+#include <cstddef>
 #include <memory>
 #include <type_traits>
 #include <utility>
@@ -8,8 +9,16 @@
 template <class Signature>
 class ZLVOnce;
 
+/// A callable that may be null, such as a `std::function` or a pointer to a function. A lambda
+/// without captures compares with null too, but cannot be made of it.
+template <class Function>
+concept ZLVNullableFunction = std::constructible_from<Function, std::nullptr_t> &&
+    requires(const Function& function) {
+  { function == nullptr } -> std::convertible_to<bool>;
+};
+
 /// A move-only function that is called at most once: calling it uses it up. It may hold move-only
-/// things, which go with the call or with the last owner.
+/// things, which go with the call or with the last owner. Made of a null function it is empty.
 ///
 /// ```cpp
 /// ZLVOnce<void(int)> answer = [owner = std::move(owner)](int value) { owner->accept(value); };
@@ -21,9 +30,14 @@ class ZLVOnce<void(Arguments...)> {
   ZLVOnce() noexcept = default;
   template <class Function>
   requires(!std::same_as<std::remove_cvref_t<Function>, ZLVOnce> &&
-           std::invocable<std::remove_cvref_t<Function>, Arguments...>) ZLVOnce(Function&& function)
-      : target_(std::make_unique<Target<std::remove_cvref_t<Function>>>(
-            std::forward<Function>(function))) {}
+           std::invocable<std::remove_cvref_t<Function>, Arguments...>)
+      ZLVOnce(Function&& function) {
+    using Kept = std::remove_cvref_t<Function>;
+    if constexpr (ZLVNullableFunction<Kept>) {
+      if (function == nullptr) return;
+    }
+    target_ = std::make_unique<Target<Kept>>(std::forward<Function>(function));
+  }
 
   /// Whether there is still something to call.
   explicit operator bool() const noexcept { return target_ != nullptr; }

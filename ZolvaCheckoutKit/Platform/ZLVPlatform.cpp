@@ -32,8 +32,9 @@ void ZLVPlatform::install(ZLVPlatform platform) {
   static_cast<void>(kept.release());
 }
 
-const ZLVPlatform& ZLVPlatform::installed(std::string_view call) {
+bool ZLVPlatform::isInstalled() noexcept { return installedPlatform.load() != nullptr; }
+
+const ZLVPlatform& ZLVPlatform::installed() {
   if (const auto* platform = installedPlatform.load()) return *platform;
-  throw ZLVProgrammingFault(std::string(call) +
-                            ": no platform is installed (call ZLVPlatform::install first)");
+  throw ZLVProgrammingFault("ZLVPlatform::installed: call ZLVPlatform::install first");
 }

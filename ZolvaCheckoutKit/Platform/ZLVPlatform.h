@@ -4,7 +4,6 @@
 #include <memory>
 #include <optional>
 #include <string>
-#include <string_view>
 
 #include <ZolvaCheckoutKit/Platform/ZLVDevice.h>
 #include <ZolvaCheckoutKit/Platform/ZLVMainQueue.h>
@@ -37,7 +36,9 @@ struct ZLV_EXPORT ZLVPlatform {
   /// platform is installed already.
   static void install(ZLVPlatform platform);
 
-  /// The installed platform; any thread. Throws `ZLVProgrammingFault`, naming `call`, when there is
-  /// none.
-  static const ZLVPlatform& installed(std::string_view call);
+  /// Whether there is one yet; any thread.
+  static bool isInstalled() noexcept;
+
+  /// The installed platform; any thread. Throws `ZLVProgrammingFault` when there is none.
+  static const ZLVPlatform& installed();
 };

@@ -14,12 +14,16 @@ void ZLVBrowserViewController::setDismissButtonStyle(ZLVDismissButtonStyle style
 
 std::unique_ptr<ZLVBrowser> ZLVBrowserViewController::browserWithURL(const ZLVURL& url) {
   if (url.scheme() != "http" && url.scheme() != "https") return nullptr;
-  return ZLVPlatform::installed("ZLVBrowserViewController").userInterface->makeBrowser(url);
+  return ZLVPlatform::installed().userInterface->makeBrowser(url);
 }
 
 void ZLVBrowserViewController::viewWillAppear(bool animated) {
   browser_->show(*presentingViewController(), animated, [weak = weak_from_this()] {
-    if (const auto self = weak.lock()) self->dismissViewControllerAnimated(false);
+    const auto self = weak.lock();
+    // Asked of the presenter, because the browser would dismiss only what stands above it.
+    if (self && self->presentingViewController() != nullptr) {
+      self->presentingViewController()->dismissViewControllerAnimated(false);
+    }
   });
 }
 

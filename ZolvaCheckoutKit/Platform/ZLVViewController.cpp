@@ -22,10 +22,12 @@ void ZLVViewController::dismissViewControllerAnimated(bool animated, ZLVOnce<voi
     if (presenting_ == nullptr) return;
     return presenting_->dismissViewControllerAnimated(animated, std::move(completion));
   }
-  // What ends here may dismiss more, this controller included.
+  // What ends here may dismiss more, this controller included, and present something else.
   const auto self = weak_from_this().lock();
+  const auto* const leaving = presented_.get();
   if (presented_->presented_ != nullptr) presented_->dismissViewControllerAnimated(animated);
-  if (auto gone = std::move(presented_)) {
+  if (presented_.get() == leaving) {
+    const auto gone = std::move(presented_);
     gone->viewWillDisappear(animated);
     gone->presenting_ = nullptr;
   }

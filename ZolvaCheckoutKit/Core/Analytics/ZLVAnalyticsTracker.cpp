@@ -22,7 +22,7 @@ ZLVValue required(ZLVValue value, std::string_view what, std::string_view call) 
 
 ZLVValue merchantId(std::string_view call) {
   return required(ZLVVendor::shared().merchantId(),
-                  "merchant id (call initWithMerchantServerURL first)", call);
+                  "merchant id (give one to initWithMerchantServerURL)", call);
 }
 
 ZLVValue applicationVersion(std::string_view call) {
@@ -88,7 +88,7 @@ void ZLVAnalyticsTracker::setIdentity(const ZLVValue& identity) {
 }
 
 void ZLVAnalyticsTracker::sendAnalyticRequest(ZLVArray records) {
-  const auto& rootURL = ZLVPlatform::installed("sendAnalyticRequest").analyticsRootURL;
+  const auto& rootURL = ZLVPlatform::installed().analyticsRootURL;
   ZLVNetwork::shared().request(
       ZLVNetworkService::initWithBaseURL(
           rootURL.value_or(std::string(defaultRootURL)), std::string(uploadPath), ZLVHTTPMethodPost,

@@ -16,7 +16,6 @@ struct Flow {
   std::optional<std::string_view> passThroughEvent;
   std::string_view openedEvent;
   std::string_view closedEvent;
-  std::string_view errorEvent;
 };
 
 constexpr Flow accountLinking{
@@ -24,14 +23,12 @@ constexpr Flow accountLinking{
     .passThroughEvent = ZLVEvent::linkAccountSuccess,
     .openedEvent = ZLVEvent::linkAccountWebviewOpened,
     .closedEvent = ZLVEvent::linkAccountSuccess,
-    .errorEvent = ZLVEvent::linkAccountError,
 };
 constexpr Flow charge{
     .actionName = "user-verification",
     .passThroughEvent = std::nullopt,
     .openedEvent = ZLVEvent::createTransactionWebviewOpened,
     .closedEvent = ZLVEvent::createTransactionSuccess,
-    .errorEvent = ZLVEvent::createTransactionError,
 };
 
 constexpr std::int64_t statusNeedsAction = 201;
@@ -56,7 +53,7 @@ std::optional<ZLVURL> lastURL(const std::vector<std::shared_ptr<Action>>& action
 template <class Response, class Result>
 void process(const Flow& flow, std::shared_ptr<Response> response,
              const std::shared_ptr<ZLVViewController>& viewController,
-             ZLVCompletion<std::shared_ptr<Result>> completion) {
+             ZLVCompletion<Result> completion) {
   auto& tracker = ZLVAnalyticsTracker::shared();
   if (response->statusCode().integerValue() != statusNeedsAction || !response->actions()) {
     if (flow.passThroughEvent) tracker.trackEventName(*flow.passThroughEvent);
@@ -74,11 +71,7 @@ void process(const Flow& flow, std::shared_ptr<Response> response,
       std::move(owner).succeed(response);
     });
   }
-  if (browser == nullptr) {
-    auto error = missingURLError();
-    tracker.trackEventName(flow.errorEvent, error.debugDescription());
-    return std::move(*pending).fail(std::move(error));
-  }
+  if (browser == nullptr) return std::move(*pending).fail(missingURLError());
   browser->setModalPresentationStyle(ZLVModalPresentationStyle::FullScreen);
   tracker.trackEventName(flow.openedEvent);
   if (viewController != nullptr) viewController->presentViewController(std::move(browser), true);
@@ -89,13 +82,13 @@ void process(const Flow& flow, std::shared_ptr<Response> response,
 void ZLVCheckoutProcessor::processAccountLinkingWithResponse(
     std::shared_ptr<ZLVLinkAccountResponse> response,
     const std::shared_ptr<ZLVViewController>& viewController,
-    ZLVCompletion<std::shared_ptr<ZLVLinkAccountResult>> completion) {
+    ZLVCompletion<ZLVLinkAccountResult> completion) {
   process(accountLinking, std::move(response), viewController, std::move(completion));
 }
 
 void ZLVCheckoutProcessor::processCreateTransactionWithResponse(
     std::shared_ptr<ZLVTransactionResponse> response,
     const std::shared_ptr<ZLVViewController>& viewController,
-    ZLVCompletion<std::shared_ptr<ZLVTransactionResult>> completion) {
+    ZLVCompletion<ZLVTransactionResult> completion) {
   process(charge, std::move(response), viewController, std::move(completion));
 }

@@ -2,7 +2,7 @@
 
 #include <memory>
 
-#include <ZolvaCheckoutKit/Core/Network/ZLVCompletion.h>
+#include <ZolvaCheckoutKit/Core/Checkout/ZLVCompletion.h>
 #include <ZolvaCheckoutKit/Platform/ZLVViewController.h>
 #include <ZolvaCheckoutKit/ZLVAccountRecords.h>
 #include <ZolvaCheckoutKit/ZLVTransactionRecords.h>
@@ -12,7 +12,7 @@
 ///
 /// A status other than 201, or no list of actions, completes with the response. With status 201 the
 /// last action of the wanted name gives the page; when it gives no URL to open, the completion
-/// receives the error -1 of `ZLVCheckoutErrorDomain`.
+/// receives the error -1 of `ZLVCheckoutErrorDomain`, and records the operation's error event.
 class ZLVCheckoutProcessor {
  public:
   ZLVCheckoutProcessor() = delete;
@@ -20,10 +20,10 @@ class ZLVCheckoutProcessor {
   static void processAccountLinkingWithResponse(
       std::shared_ptr<ZLVLinkAccountResponse> response,
       const std::shared_ptr<ZLVViewController>& viewController,
-      ZLVCompletion<std::shared_ptr<ZLVLinkAccountResult>> completion);
+      ZLVCompletion<ZLVLinkAccountResult> completion);
 
   static void processCreateTransactionWithResponse(
       std::shared_ptr<ZLVTransactionResponse> response,
       const std::shared_ptr<ZLVViewController>& viewController,
-      ZLVCompletion<std::shared_ptr<ZLVTransactionResult>> completion);
+      ZLVCompletion<ZLVTransactionResult> completion);
 };

@@ -21,9 +21,8 @@ ZLVWebViewController::~ZLVWebViewController() {
     callback_();
   } catch (...) {
     // A destructor cannot throw; the host's run loop gets the exception as from any completion.
-    ZLVPlatform::installed("ZLVWebViewController")
-        .mainQueue->dispatch(
-            [thrown = std::current_exception()] { std::rethrow_exception(thrown); });
+    ZLVPlatform::installed().mainQueue->dispatch(
+        [thrown = std::current_exception()] { std::rethrow_exception(thrown); });
   }
 }
 

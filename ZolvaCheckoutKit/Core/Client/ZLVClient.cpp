@@ -40,42 +40,61 @@ auto& required(Value& value, std::string_view what, const Operation& operation) 
   throw ZLVProgrammingFault(ZLVStringWithFormat("%@: no %@", {operation.name, what}));
 }
 
-template <class Result>
-using Owner = ZLVCompletion<std::shared_ptr<Result>>;
+void requirePlatform(std::string_view call) {
+  if (ZLVPlatform::isInstalled()) return;
+  throw ZLVProgrammingFault(ZLVStringWithFormat(
+      "%@: no platform is installed (call ZLVPlatform::install first)", {call}));
+}
+
+/// What every call to a server needs; a fault names the operation that the host called.
+void requireReadiness(std::string_view call) {
+  requirePlatform(call);
+  ZLVAnalyticsTracker::shared().requireEvents(call);
+}
+
+/// The record that the answer is read into. One that does not fit is a fault, and an error for the
+/// completion, which the fault is about to unwind.
+template <class Record, class Result>
+std::shared_ptr<Record> mapped(const ZLVValue& answer, ZLVCompletion<Result>& completion) {
+  try {
+    return Record::initWithDictionary(answer);
+  } catch (const ZLVProgrammingFault& fault) {
+    completion.failWhenLetGo(ZLVJSONSerialization::misfitError(fault.what()));
+    throw;
+  }
+}
 
 /// Sends the call. A dictionary that comes back goes to `accept` together with the completion; an
-/// error, or an answer of another kind, is recorded and completes.
+/// error, or an answer of another kind, completes.
 template <class Result, class Accept>
 void perform(const Operation& operation, std::string_view accountID, ZLVValue parameters,
              ZLVCompletionHandler<Result> handler, Accept accept) {
+  requireReadiness(operation.name);
   const auto& baseURL =
       required(ZLVVendor::shared().merchantSeverURL(),
-               "merchant server URL (call initWithMerchantServerURL first)", operation);
-  ZLVAnalyticsTracker::shared().requireEvents(operation.name);
-
-  auto service = ZLVNetworkService::initWithBaseURL(
+               "merchant server URL (give one to initWithMerchantServerURL)", operation);
+  const auto service = ZLVNetworkService::initWithBaseURL(
       baseURL, ZLVStringWithFormat(operation.pathFormat, {accountID}), operation.method,
       std::move(parameters), ZLVServiceTypeMerchant);
-  ZLVNetwork::shared().request(
-      std::move(service), [&operation, accept = std::move(accept), handler = std::move(handler)](
-                              ZLVValue answer, std::optional<ZLVError> error) mutable {
-        Owner<Result> completion(std::move(handler));
-        if (!error && answer.dictionary() == nullptr) {
-          error = ZLVJSONSerialization::notAnObjectError();
-        }
-        if (!error) return accept(answer, std::move(completion));
-        ZLVAnalyticsTracker::shared().trackEventName(operation.errorEvent,
-                                                     error->debugDescription());
-        std::move(completion).fail(*std::move(error));
-      });
+  auto& network = ZLVNetwork::shared();
+
+  // Nothing above may have answered: what throws there is for the caller alone.
+  ZLVCompletion<Result> completion(std::move(handler), operation.errorEvent);
+  network.request(service, [accept = std::move(accept), completion = std::move(completion)](
+                               const ZLVValue& answer, std::optional<ZLVError> error) mutable {
+    if (!error && answer.dictionary() == nullptr) error = ZLVJSONSerialization::notAnObjectError();
+    if (error) return std::move(completion).fail(*std::move(error));
+    accept(answer, std::move(completion));
+  });
 }
 
 /// What the calls without a page do with their answer.
 template <class Result>
 auto recordAndComplete(std::string_view successEvent) {
-  return [successEvent](const ZLVValue& answer, Owner<Result> completion) {
+  return [successEvent](const ZLVValue& answer, ZLVCompletion<Result> completion) {
     ZLVAnalyticsTracker::shared().trackEventName(successEvent);
-    std::move(completion).succeed(Result::initWithDictionary(answer));
+    auto record = mapped<Result>(answer, completion);
+    std::move(completion).succeed(std::move(record));
   };
 }
 
@@ -88,6 +107,7 @@ void ZLVClient::initWithMerchantServerURL(Text merchantServerURL, Text merchantI
   vendor.setCallbackUrl(std::move(callbackUrl));
   vendor.setIsLoggingEnabled(isLoggingEnabled);
   vendor.setMerchantId(merchantId);
+  requireReadiness("initWithMerchantServerURL");
   ZLVAnalyticsTracker::shared().setIdentity(merchantId);
 }
 
@@ -99,13 +119,13 @@ void ZLVClient::linkAccountWithPaymentType(Text paymentType,
       {std::string(paymentTypeKey), required(paymentType, "payment type", linkAccount)}};
   if (zolvaPartnerDetails != nullptr) body.merge(zolvaPartnerDetails->dictionaryValue());
 
-  perform<ZLVLinkAccountResult>(linkAccount, {}, std::move(body), std::move(completion),
-                                [viewController = std::move(viewController)](
-                                    const ZLVValue& answer, Owner<ZLVLinkAccountResult> owner) {
-                                  ZLVCheckoutProcessor::processAccountLinkingWithResponse(
-                                      ZLVLinkAccountResponse::initWithDictionary(answer),
-                                      viewController, std::move(owner));
-                                });
+  perform<ZLVLinkAccountResult>(
+      linkAccount, {}, std::move(body), std::move(completion),
+      [viewController = std::move(viewController)](const ZLVValue& answer, auto owner) {
+        auto response = mapped<ZLVLinkAccountResponse>(answer, owner);
+        ZLVCheckoutProcessor::processAccountLinkingWithResponse(std::move(response), viewController,
+                                                                std::move(owner));
+      });
 }
 
 void ZLVClient::enquireAccountWithAccountID(Text accountID,
@@ -143,13 +163,13 @@ void ZLVClient::createTransactionWithPaymentType(
     body.set("item_details", std::move(items));
   }
 
-  perform<ZLVTransactionResult>(call, {}, std::move(body), std::move(completion),
-                                [viewController = std::move(viewController)](
-                                    const ZLVValue& answer, Owner<ZLVTransactionResult> owner) {
-                                  ZLVCheckoutProcessor::processCreateTransactionWithResponse(
-                                      ZLVTransactionResponse::initWithDictionary(answer),
-                                      viewController, std::move(owner));
-                                });
+  perform<ZLVTransactionResult>(
+      call, {}, std::move(body), std::move(completion),
+      [viewController = std::move(viewController)](const ZLVValue& answer, auto owner) {
+        auto response = mapped<ZLVTransactionResponse>(answer, owner);
+        ZLVCheckoutProcessor::processCreateTransactionWithResponse(
+            std::move(response), viewController, std::move(owner));
+      });
 }
 
 void ZLVClient::handleCallbackUrl(const ZLVURL& url) {
@@ -164,8 +184,8 @@ void ZLVClient::handleCallbackUrl(const ZLVURL& url) {
   const auto isNavigation = [&is](const ZLVViewController& controller) {
     return is(controller, typeid(ZLVNavigationController));
   };
-  auto current =
-      ZLVPlatform::installed("handleCallbackUrl").userInterface->keyWindowRootViewController();
+  requirePlatform("handleCallbackUrl");
+  auto current = ZLVPlatform::installed().userInterface->keyWindowRootViewController();
   while (current != nullptr && (isNavigation(*current) || current->presentedViewController())) {
     if (!isNavigation(*current)) {
       current = current->presentedViewController();

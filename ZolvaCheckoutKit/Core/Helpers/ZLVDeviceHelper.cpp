@@ -8,7 +8,7 @@ constexpr std::size_t machineBufferSize = 100;
 constexpr float usageScale = 1000.0F;
 constexpr std::string_view fallbackLanguage = "ID";
 
-const ZLVDevice& device() { return *ZLVPlatform::installed("ZLVDeviceHelper").device; }
+const ZLVDevice& device() { return *ZLVPlatform::installed().device; }
 
 }  // namespace
 

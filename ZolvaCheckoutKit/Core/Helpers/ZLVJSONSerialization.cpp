@@ -222,3 +222,8 @@ std::optional<std::string> ZLVJSONSerialization::dataWithJSONObject(const ZLVVal
 ZLVError ZLVJSONSerialization::notAnObjectError() {
   return readingError("The answer is not a JSON object.");
 }
+
+ZLVError ZLVJSONSerialization::misfitError(std::string_view misfit) {
+  return readingError("The answer does not have the expected structure: " + std::string(misfit) +
+                      ".");
+}

@@ -31,4 +31,6 @@ class ZLVJSONSerialization {
 
   /// The reading error of an answer that is JSON but not an object.
   static ZLVError notAnObjectError();
+  /// The same of an object that does not fit its record; `misfit` says where.
+  static ZLVError misfitError(std::string_view misfit);
 };

@@ -1,4 +1,25 @@
+#include <array>
+#include <string>
+
+#include <ZolvaCheckoutKit/Core/Helpers/ZLVText.h>
 #include <ZolvaCheckoutKit/Core/Helpers/parse.h>
+
+namespace {
+
+/// In the order of the kinds.
+constexpr std::array<std::string_view, 10> kinds{
+    "nothing",  "null",   "a boolean", "a number",     "a number",
+    "a number", "a text", "an array",  "a dictionary", "a record"};
+static_assert(kinds.size() == static_cast<std::size_t>(ZLVValue::Kind::Record) + 1);
+
+}  // namespace
+
+ZLVProgrammingFault parse::misfit(std::string_view record, std::string_view kind,
+                                  const ZLVValue& found) {
+  return ZLVProgrammingFault(
+      ZLVStringWithFormat("%@ needs %@ where the answer has %@",
+                          {record, kind, kinds.at(static_cast<std::size_t>(found.kind()))}));
+}
 
 ZLVValue parse::dictionaryValues(const ZLVValue& array) {
   const auto* elements = array.array();

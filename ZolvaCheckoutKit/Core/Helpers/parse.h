@@ -1,10 +1,16 @@
 #pragma once
 
+#include <string_view>
+
 #include <ZolvaCheckoutKit/ZLVError.h>
 #include <ZolvaCheckoutKit/ZLVMappable.h>
 #include <ZolvaCheckoutKit/ZLVValue.h>
 
 namespace parse {
+
+/// The fault of an answer that has something else where `record` needs `kind`. Tells the kind of
+/// what stands there, not its content, which may be private.
+ZLVProgrammingFault misfit(std::string_view record, std::string_view kind, const ZLVValue& found);
 
 /// A record of the class for every element of the array, unchecked and in order; nothing for an
 /// absent array. Throws `ZLVProgrammingFault` for anything else and for an element that is no
@@ -13,8 +19,7 @@ template <class Record>
 ZLVRecords<Record> mapToArray(const ZLVValue& array) {
   if (array.isAbsent()) return std::nullopt;
   if (array.array() == nullptr) {
-    throw ZLVProgrammingFault("mapToArray: an array is needed, the answer has " +
-                              array.description());
+    throw misfit("a list of records", "an array", array);
   }
   ZLVRecords<Record> records(std::in_place);
   records->reserve(array.array()->size());

@@ -55,8 +55,7 @@ inline const ZLVDictionary& ZLVDictionaryOfRecord(const ZLVValue& value, std::st
   static const ZLVDictionary empty;
   if (value.isAbsent()) return empty;
   if (value.dictionary() != nullptr) return *value.dictionary();
-  throw ZLVProgrammingFault("initWithDictionary: " + std::string(record) +
-                            " needs a dictionary, the answer has " + value.description());
+  throw parse::misfit(record, "a dictionary", value);
 }
 
 #define ZLV_READ_FIELD(Type, getter, setter, ...) \

@@ -8,6 +8,7 @@
 #include <ZolvaCheckoutKit/Core/Helpers/builder.h>
 #include <ZolvaCheckoutKit/Core/Network/ZLVNetwork.h>
 #include <ZolvaCheckoutKit/Core/Network/ZLVRequestBuilder.h>
+#include <ZolvaCheckoutKit/Platform/ZLVPlatform.h>
 #include <ZolvaCheckoutKit/ZLVVendor.h>
 
 namespace {
@@ -26,12 +27,10 @@ std::optional<std::string_view> textIfUTF8(const std::string& bytes) {
 
 void log(std::string_view format,
          std::initializer_list<std::optional<std::string_view>> arguments) {
-  ZLVPlatform::installed("log").systemLog->log(ZLVOneLine(ZLVStringWithFormat(format, arguments)));
+  ZLVPlatform::installed().systemLog->log(ZLVOneLine(ZLVStringWithFormat(format, arguments)));
 }
 
-/// The request is built once more rather than kept: most calls are not logged.
-void logExchange(const ZLVNetworkService& service, const ZLVURLAnswer& answer) {
-  const auto request = ZLVRequestBuilder::buildRequestFrom(service);
+void logExchange(const ZLVURLRequest& request, const ZLVURLAnswer& answer) {
   ZLVDictionary header;
   for (const auto& [name, value] : request.allHTTPHeaderFields) header.set(name, value);
   std::optional<std::string_view> url;
@@ -69,13 +68,13 @@ Judgement judge(const ZLVURLAnswer& answer) {
   return builder::errorWithCode(code, std::move(message), (*object)[validationMessagesKey]);
 }
 
-void deliver(Judgement judgement, ZLVNetwork::Completion completion) {
-  ZLVPlatform::installed("deliver").mainQueue->dispatch(
+void deliver(Judgement judgement, ZLVNetwork::CompletionHandler completion) {
+  ZLVPlatform::installed().mainQueue->dispatch(
       [judgement = std::move(judgement), completion = std::move(completion)]() mutable {
         if (auto* error = std::get_if<ZLVError>(&judgement)) {
-          std::move(completion).fail(std::move(*error));
+          std::move(completion)({}, std::move(*error));
         } else {
-          std::move(completion).succeed(std::get<ZLVValue>(std::move(judgement)));
+          std::move(completion)(std::get<ZLVValue>(std::move(judgement)), std::nullopt);
         }
       });
 }
@@ -97,19 +96,21 @@ ZLVNetwork& ZLVNetwork::shared() {
   return network;
 }
 
-ZLVNetwork::ZLVNetwork() : session_(ZLVPlatform::installed("ZLVNetwork").makeURLSession()) {}
+ZLVNetwork::ZLVNetwork() : session_(ZLVPlatform::installed().makeURLSession()) {}
 
-void ZLVNetwork::request(std::shared_ptr<const ZLVNetworkService> service,
-                         Completion::Handler completion) {
+void ZLVNetwork::request(const std::shared_ptr<const ZLVNetworkService>& service,
+                         CompletionHandler completion) {
   auto request = ZLVRequestBuilder::buildRequestFrom(*service);
-  auto respond = [service = std::move(service), completion = Completion(std::move(completion))](
-                     const ZLVURLAnswer& answer) mutable {
-    if (ZLVVendor::shared().isLoggingEnabled() &&
-        service->serviceType() == ZLVServiceTypeMerchant) {
-      logExchange(*service, answer);
-    }
+  // Whether to log is decided when the answer is there, and what was sent is gone by then.
+  std::optional<ZLVURLRequest> sent;
+  if (service->serviceType() == ZLVServiceTypeMerchant) sent = request;
+
+  auto respond = [sent = std::move(sent),
+                  completion = std::move(completion)](const ZLVURLAnswer& answer) mutable {
+    if (sent && ZLVVendor::shared().isLoggingEnabled()) logExchange(*sent, answer);
     if (completion) deliver(judge(answer), std::move(completion));
   };
-  if (!request.URL) return respond(badURLAnswer());
-  session_->dataTask(std::move(request), std::move(respond));
+  if (request.URL) return session_->dataTask(std::move(request), std::move(respond));
+  ZLVPlatform::installed().mainQueue->dispatch(
+      [respond = std::move(respond)]() mutable { respond(badURLAnswer()); });
 }

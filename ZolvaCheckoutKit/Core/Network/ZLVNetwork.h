@@ -1,8 +1,8 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 
-#include <ZolvaCheckoutKit/Core/Network/ZLVCompletion.h>
 #include <ZolvaCheckoutKit/Core/Network/ZLVNetworkService.h>
 #include <ZolvaCheckoutKit/Platform/ZLVURLSession.h>
 #include <ZolvaCheckoutKit/ZLVValue.h>
@@ -14,7 +14,7 @@
 class ZLVNetwork {
  public:
   /// Receives the decoded answer (a dictionary or an array) or an error, never both.
-  using Completion = ZLVCompletion<ZLVValue>;
+  using CompletionHandler = ZLVOnce<void(ZLVValue answer, std::optional<ZLVError> error)>;
 
   /// The shared executor, made on the first call and kept until the process ends.
   static ZLVNetwork& shared();
@@ -22,9 +22,11 @@ class ZLVNetwork {
   /// An executor with a session of its own from the installed platform.
   ZLVNetwork();
 
-  /// Sends the call and returns at once; any thread. `completion` runs once, on the main queue. The
-  /// request is built before the completion is taken: a programming fault leaves it uncalled.
-  void request(std::shared_ptr<const ZLVNetworkService> service, Completion::Handler completion);
+  /// Sends the call and returns at once; any thread. `completion`, which may be null, runs once, on
+  /// the main queue; where the session or the queue lets go of it, it is destroyed uncalled. Throws
+  /// `ZLVProgrammingFault` when no request can be built.
+  void request(const std::shared_ptr<const ZLVNetworkService>& service,
+               CompletionHandler completion);
 
  private:
   std::unique_ptr<ZLVURLSession> session_;

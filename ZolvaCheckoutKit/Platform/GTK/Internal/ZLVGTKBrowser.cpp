@@ -30,14 +30,14 @@ void ZLVGTKBrowser::show(ZLVViewController& presenter, bool animated, ZLVOnce<vo
   closed_ = std::move(closed);
   GtkWindow* const window = ZLVWindowViewController::windowOf(presenter);
   if (window == nullptr) {
-    ZLVPlatform::installed("show").systemLog->log(
+    ZLVPlatform::installed().systemLog->log(
         "No page is shown: the presenting view controller is in no window");
     return later(&ZLVGTKBrowser::end);
   }
 
   ZLVBrowserStyle::install();
   const auto openURL = [queue = environment_->mainQueue](const ZLVURL& url) {
-    queue->dispatch([url] { ZLVPlatform::installed("openURL").userInterface->openURL(url); });
+    queue->dispatch([url] { ZLVPlatform::installed().userInterface->openURL(url); });
   };
   shown_ = std::make_unique<Shown>(
       style_, *environment_,

@@ -1,0 +1,57 @@
+#include <exception>
+#include <string>
+
+#include <ZolvaCheckoutKit/Core/Analytics/ZLVAnalyticsTracker.h>
+#include <ZolvaCheckoutKit/Core/Checkout/ZLVCompletion.h>
+#include <ZolvaCheckoutKit/Platform/ZLVPlatform.h>
+
+namespace {
+
+ZLVError abandonedError() {
+  return ZLVError::errorWithDomain(
+      NSURLErrorDomain, NSURLErrorCancelled,
+      {{std::string(NSLocalizedDescriptionKey), "The call ended before it was answered."}});
+}
+
+void recordAndAnswer(ZLVPendingAnswer::Handler handler, std::string_view errorEvent,
+                     ZLVError error) {
+  std::exception_ptr fault;
+  try {
+    ZLVAnalyticsTracker::shared().trackEventName(errorEvent, error.debugDescription());
+  } catch (...) {
+    fault = std::current_exception();
+  }
+  std::move(handler)(nullptr, std::move(error));
+  if (fault) std::rethrow_exception(fault);
+}
+
+}  // namespace
+
+ZLVPendingAnswer::ZLVPendingAnswer(Handler handler, std::string_view errorEvent) noexcept
+    : handler_(std::move(handler)), errorEvent_(errorEvent) {}
+
+ZLVPendingAnswer::ZLVPendingAnswer(ZLVPendingAnswer&& other) noexcept
+    : handler_(std::move(other.handler_)),
+      errorEvent_(other.errorEvent_),
+      failure_(std::move(other.failure_)),
+      isPending_(std::exchange(other.isPending_, false)) {}
+
+ZLVPendingAnswer::~ZLVPendingAnswer() {
+  if (!isPending_) return;
+  // Without this owner in the block: a queue that is destroyed with the block asks no more.
+  ZLVPlatform::installed().mainQueue->dispatch([handler = std::move(handler_), event = errorEvent_,
+                                                failure = std::move(failure_)]() mutable {
+    if (!failure) return recordAndAnswer(std::move(handler), event, abandonedError());
+    std::move(handler)(nullptr, std::move(failure));
+  });
+}
+
+void ZLVPendingAnswer::succeed(std::shared_ptr<ZLVMappable> record) && {
+  isPending_ = false;
+  std::move(handler_)(std::move(record), std::nullopt);
+}
+
+void ZLVPendingAnswer::fail(ZLVError error) && {
+  isPending_ = false;
+  recordAndAnswer(std::move(handler_), errorEvent_, std::move(error));
+}
