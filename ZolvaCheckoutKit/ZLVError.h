@@ -103,7 +103,8 @@ class ZLV_EXPORT ZLVError {
 
 /// A mistake in the program that uses the library, or an answer whose structure does not fit the
 /// record it is read into. Thrown, never handed to a completion; the text names what is missing
-/// and in which call.
+/// and in which call, or what does not fit. On the main thread it leaves through the main queue
+/// towards the host's loop, and the call is answered all the same.
 class ZLV_EXPORT ZLVProgrammingFault : public std::logic_error {
  public:
   using std::logic_error::logic_error;
