@@ -1,4 +1,5 @@
 #include <array>
+#include <cstdlib>
 #include <limits>
 #include <thread>
 
@@ -137,6 +138,37 @@ TEST(JSON, WritesCompactTextOrNothing) {
        {ZLVValue("\xff"), ZLVValue(std::numeric_limits<double>::infinity()),
         ZLVValue(std::make_shared<ZLVAccountMetadata>()), ZLVValue()}) {
     EXPECT_FALSE(JSON::dataWithJSONObject(ZLVArray{unwritable})) << unwritable.description();
+  }
+}
+
+TEST(JSON, DoublesAreReadExactlyAndWrittenAsInECMAScript) {
+  // What is written reads back as the same double, also where it looks like an integer.
+  for (const auto& [text, written] : std::initializer_list<std::pair<const char*, const char*>>{
+           {"100000.0", "100000"},
+           {"300000.00", "300000"},
+           {"1e5", "100000"},
+           {"-10000.50", "-10000.5"},
+           {"12345678.9", "12345678.9"},
+           {"-0.0", "0"},
+           {"0.30000000000000004", "0.30000000000000004"},
+           {"0.000001", "0.000001"},
+           {"0.00000123", "0.00000123"},
+           {"0.0000001", "1e-7"},
+           {"-0.000000125", "-1.25e-7"},
+           {"100000000000000000000.0", "100000000000000000000"},
+           {"123456789012345678901", "123456789012345680000"},
+           {"1e21", "1e+21"},
+           {"1234567890123456789012", "1.2345678901234568e+21"},
+           {"1.7976931348623157e308", "1.7976931348623157e+308"},
+           {"5e-324", "5e-324"},
+           {"9007199254740993.5", "9007199254740994"},
+           {"-9.223372036854777e-278", "-9.223372036854777e-278"}}) {
+    const auto value = parsed(text);
+    EXPECT_EQ(JSON::dataWithJSONObject(value), written);
+    EXPECT_EQ(value.description(), written);
+    EXPECT_EQ(core_parse::queryStringValue({{"x", value}}), std::string("x=") + written);
+    EXPECT_EQ(value.number(), std::strtod(text, nullptr)) << text;
+    EXPECT_EQ(value.number(), parsed(written).number()) << text;
   }
 }
 

@@ -1,7 +1,9 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
+#include <cmath>
 #include <cstdint>
+#include <cstdlib>
 
 #include <ZolvaCheckoutKit/Core/Helpers/ZLVText.h>
 
@@ -76,7 +78,33 @@ std::string ZLVOneLine(std::string_view text) {
 }
 
 std::string ZLVDecimalText(double number) {
+  if (std::isnan(number)) return "NaN";
+  if (std::isinf(number)) return number < 0 ? "-Infinity" : "Infinity";
+  if (number == 0) return "0";
+
+  // "d[.ddd]e(+|-)dd". No other place turns a double into digits.
   std::array<char, 32> buffer{};
-  auto* const end = std::to_chars(buffer.data(), buffer.data() + buffer.size(), number).ptr;
-  return {buffer.data(), end};
+  const auto end = std::to_chars(buffer.data(), buffer.data() + buffer.size(), std::abs(number),
+                                 std::chars_format::scientific);
+  auto* const mark = std::find(buffer.data(), end.ptr, 'e');
+  int exponent = 0;
+  std::from_chars(mark + 2, end.ptr, exponent);
+  if (mark[1] == '-') exponent = -exponent;
+  std::string text(buffer.data(), mark);
+  if (text.size() > 1) text.erase(1, 1);
+
+  const auto count = static_cast<int>(text.size());
+  const int whole = exponent + 1;  // digits before the point
+  if (whole < -5 || whole > 21) {
+    if (count > 1) text.insert(1, 1, '.');
+    text += exponent < 0 ? "e-" : "e+";
+    text += std::to_string(std::abs(exponent));
+  } else if (whole <= 0) {
+    text.insert(0, "0." + std::string(static_cast<std::size_t>(-whole), '0'));
+  } else if (whole < count) {
+    text.insert(static_cast<std::size_t>(whole), 1, '.');
+  } else {
+    text.append(static_cast<std::size_t>(whole - count), '0');
+  }
+  return number < 0 ? "-" + text : text;
 }
