@@ -66,7 +66,8 @@ class ZLV_EXPORT ZLVError {
 
   [[nodiscard]] std::string domain() const;
   [[nodiscard]] std::int64_t code() const noexcept { return code_; }
-  [[nodiscard]] const ZLVDictionary& userInfo() const noexcept;
+  [[nodiscard]] const ZLVDictionary& userInfo() const& noexcept;
+  [[nodiscard]] ZLVDictionary userInfo() const&& { return userInfo(); }
 
   /// A text to show: the one in the user info (rendered as JSON where the server sent something
   /// other than a text), or a generic one that names domain and code.

@@ -40,12 +40,13 @@ using ZLVRecords = std::optional<std::vector<std::shared_ptr<Record>>>;
 // for every field, in reading order. The field's type decides how it is read and written.
 
 /// Declares the accessors and the storage of the fields of a table.
-#define ZLV_DECLARE_FIELD(Type, getter, setter, ...)             \
- public:                                                         \
-  [[nodiscard]] const Type& getter() const { return getter##_; } \
-  void setter(Type value) { getter##_ = std::move(value); }      \
-                                                                 \
- private:                                                        \
+#define ZLV_DECLARE_FIELD(Type, getter, setter, ...)              \
+ public:                                                          \
+  [[nodiscard]] const Type& getter() const& { return getter##_; } \
+  [[nodiscard]] Type getter() const&& { return getter##_; }       \
+  void setter(Type value) { getter##_ = std::move(value); }       \
+                                                                  \
+ private:                                                         \
   Type getter##_{};
 
 /// Declares a record class's mapping and the fields of its table.

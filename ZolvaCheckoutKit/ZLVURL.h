@@ -6,7 +6,8 @@
 
 #include <ZolvaCheckoutKit/ZLVExport.h>
 
-/// A URL, absolute or relative, kept as it was written. An immutable value.
+/// A URL, absolute or relative, kept as it was written. An immutable value. What it hands out a
+/// reference to, a temporary URL copies.
 class ZLV_EXPORT ZLVURL {
  public:
   /// `URLWithString:`. Parses by RFC 3986 without changing or escaping anything; `[` and `]` are
@@ -14,11 +15,14 @@ class ZLV_EXPORT ZLVURL {
   static std::optional<ZLVURL> URLWithString(std::string_view text);
 
   /// The text it was parsed from.
-  [[nodiscard]] const std::string& absoluteString() const noexcept { return text_; }
+  [[nodiscard]] const std::string& absoluteString() const& noexcept { return text_; }
+  [[nodiscard]] std::string absoluteString() const&& { return text_; }
   /// Lower-case scheme without its colon; empty for a relative URL.
-  [[nodiscard]] const std::string& scheme() const noexcept { return scheme_; }
+  [[nodiscard]] const std::string& scheme() const& noexcept { return scheme_; }
+  [[nodiscard]] std::string scheme() const&& { return scheme_; }
   /// Host as written, IPv6 addresses without their brackets; empty when there is none.
-  [[nodiscard]] const std::string& host() const noexcept { return host_; }
+  [[nodiscard]] const std::string& host() const& noexcept { return host_; }
+  [[nodiscard]] std::string host() const&& { return host_; }
 
   friend bool operator==(const ZLVURL& left, const ZLVURL& right) noexcept {
     return left.text_ == right.text_;

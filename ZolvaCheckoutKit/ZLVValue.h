@@ -22,18 +22,31 @@ class ZLVValue;
 /// An ordered list of values.
 using ZLVArray = std::vector<ZLVValue>;
 
+/// The type of `ZLVNull`.
+struct ZLVNullType {
+  explicit constexpr ZLVNullType(int /*unused*/) noexcept {}  // no value is made of {}
+};
+/// JSON's null: `ZLVDictionary{{"note", ZLVNull}}`. A null pointer is not it but an absent value.
+inline constexpr ZLVNullType ZLVNull{0};
+
 /// One value of a decoded JSON tree, or a record standing in its place.
 ///
 /// A value is immutable and cheap to copy: texts, arrays and dictionaries are shared. Values may be
-/// copied and read on several threads at once. No reading throws; a reading that does not fit the
-/// kind answers with nothing, so a host can ask a server's answer without checking it first:
+/// copied and read on several threads at once. Texts are UTF-8: in bytes that are not, U+FFFD
+/// replaces every ill-formed sequence, as the WHATWG's decoders do. No reading fails; one that does
+/// not fit the kind answers with nothing, so a host can ask a server's answer without checking it
+/// first:
 ///
 /// ```cpp
 /// if (auto status = info->accountStatus().text(); status == "ENABLED") { … }
 /// ```
+///
+/// What would dangle does not compile: a temporary value hands out no view and no pointer. Give it
+/// a name first, compare it (`record->dictionaryValue()["order_id"] == "o-1"`), or take its
+/// `description()`.
 class ZLV_EXPORT ZLVValue {
  public:
-  /// What a value holds. `Absent` is "no such key" or "never set"; `Null` is JSON's null.
+  /// What a value holds. `Absent` is "no such key" or "never set"; `Null` is `ZLVNull`.
   enum class Kind : std::uint8_t {
     Absent,
     Null,
@@ -50,8 +63,8 @@ class ZLV_EXPORT ZLVValue {
   /// Makes an absent value.
   ZLVValue() noexcept = default;
   ZLVValue(std::nullopt_t /*absent*/) noexcept {}
-  /// Makes JSON's null.
-  ZLVValue(std::nullptr_t /*null*/) noexcept : storage_(nullptr) {}
+  ZLVValue(std::nullptr_t /*absent*/) noexcept {}
+  ZLVValue(ZLVNullType null) noexcept : storage_(null) {}
   template <std::same_as<bool> Boolean>
   ZLVValue(Boolean value) noexcept : storage_(value) {}
   template <std::signed_integral Integer>
@@ -65,7 +78,10 @@ class ZLV_EXPORT ZLVValue {
   /// A null pointer makes an absent value.
   ZLVValue(const char* text);
   /// An empty optional makes an absent value.
-  ZLVValue(std::optional<std::string> text);
+  template <class Content>
+  requires std::convertible_to<Content, ZLVValue> ZLVValue(std::optional<Content> content) {
+    if (content) *this = ZLVValue(*std::move(content));
+  }
   ZLVValue(ZLVArray array);
   ZLVValue(ZLVDictionary dictionary);
   /// Holds the record itself, not its dictionary. A null pointer makes an absent value.
@@ -87,13 +103,16 @@ class ZLV_EXPORT ZLVValue {
 
   [[nodiscard]] std::optional<bool> boolean() const noexcept;
   /// The text, valid as long as this value lives and is not assigned to.
-  [[nodiscard]] std::optional<std::string_view> text() const noexcept;
+  [[nodiscard]] std::optional<std::string_view> text() const& noexcept;
+  void text() const&& = delete;
   /// The number as a double; integers beyond 53 bits are rounded.
   [[nodiscard]] std::optional<double> number() const noexcept;
   /// The array, or a null pointer; owned by this value.
-  [[nodiscard]] const ZLVArray* array() const noexcept;
+  [[nodiscard]] const ZLVArray* array() const& noexcept;
+  void array() const&& = delete;
   /// The dictionary, or a null pointer; owned by this value.
-  [[nodiscard]] const ZLVDictionary* dictionary() const noexcept;
+  [[nodiscard]] const ZLVDictionary* dictionary() const& noexcept;
+  void dictionary() const&& = delete;
   [[nodiscard]] std::shared_ptr<ZLVMappable> record() const noexcept;
 
   /// The integer that this value reads as: a number without its fraction; for a text the decimal
@@ -101,8 +120,8 @@ class ZLV_EXPORT ZLVValue {
   /// 0 for every other kind. Saturates at the limits of 64 bits.
   [[nodiscard]] std::int64_t integerValue() const noexcept;
 
-  /// A text for people: a text as itself, a number in its shortest decimal form, a boolean as 1 or
-  /// 0, null as "<null>", absent as "(null)"; arrays and dictionaries as one line of JSON in which
+  /// A text for people: a text as itself, a number as ECMAScript writes it, a boolean as 1 or 0,
+  /// null as "<null>", absent as "(null)"; arrays and dictionaries as one line of JSON in which
   /// records stand as their dictionaries.
   [[nodiscard]] std::string description() const;
 
@@ -110,6 +129,8 @@ class ZLV_EXPORT ZLVValue {
   friend ZLV_EXPORT bool operator==(const ZLVValue& left, const ZLVValue& right) noexcept;
 
  private:
+  friend struct ZLVDecoded;
+
   /// Most texts are this short, and need no memory of their own.
   struct ShortText {
     std::array<char, 15> characters;
@@ -117,11 +138,14 @@ class ZLV_EXPORT ZLVValue {
   };
   /// In the order of the kinds; the short text comes behind them.
   using Storage =
-      std::variant<std::monostate, std::nullptr_t, bool, std::int64_t, std::uint64_t, double,
+      std::variant<std::monostate, ZLVNullType, bool, std::int64_t, std::uint64_t, double,
                    std::shared_ptr<const std::string>, std::shared_ptr<const ZLVArray>,
                    std::shared_ptr<const ZLVDictionary>, std::shared_ptr<ZLVMappable>, ShortText>;
 
   static std::optional<ShortText> shortened(std::string_view text) noexcept;
+  /// Of text that is UTF-8.
+  static Storage stored(std::string&& text);
+  static Storage stored(std::string_view text);
 
   static Storage fromUnsigned(std::uint64_t value) noexcept {
     if (value <= static_cast<std::uint64_t>(INT64_MAX)) return static_cast<std::int64_t>(value);
@@ -131,7 +155,7 @@ class ZLV_EXPORT ZLVValue {
   Storage storage_;
 };
 
-/// A dictionary from text keys to values, kept in key order.
+/// A dictionary from text keys to values, kept in key order. Keys are UTF-8, made so as texts are.
 ///
 /// An ordinary container value: copying copies the entries (cheaply, see `ZLVValue`), and a
 /// dictionary inside a `ZLVValue` is shared and can no longer change.
@@ -145,7 +169,8 @@ class ZLV_EXPORT ZLVDictionary {
   explicit ZLVDictionary(std::vector<Entry> entries);
 
   /// The value under the key, or an absent value.
-  [[nodiscard]] const ZLVValue& operator[](std::string_view key) const noexcept;
+  [[nodiscard]] const ZLVValue& operator[](std::string_view key) const& noexcept;
+  [[nodiscard]] ZLVValue operator[](std::string_view key) const&& noexcept { return (*this)[key]; }
   [[nodiscard]] bool contains(std::string_view key) const noexcept;
 
   /// Sets the key; an absent value removes it.
@@ -155,11 +180,17 @@ class ZLV_EXPORT ZLVDictionary {
 
   [[nodiscard]] std::size_t size() const noexcept { return entries_.size(); }
   [[nodiscard]] bool empty() const noexcept { return entries_.empty(); }
-  [[nodiscard]] auto begin() const noexcept { return entries_.begin(); }
-  [[nodiscard]] auto end() const noexcept { return entries_.end(); }
+  [[nodiscard]] auto begin() const& noexcept { return entries_.begin(); }
+  [[nodiscard]] auto end() const& noexcept { return entries_.end(); }
+  void begin() const&& = delete;
+  void end() const&& = delete;
 
   friend bool operator==(const ZLVDictionary&, const ZLVDictionary&) = default;
 
  private:
+  friend struct ZLVDecoded;
+
+  void arrange();
+
   std::vector<Entry> entries_;
 };

@@ -59,6 +59,7 @@ TEST(RequestBuilder, JoinsWithOneSlash) {
                             {"B/", "1/upload", "B/1/upload"},
                             {"B//", "/v2/charge", "B//v2/charge"},
                             {"B", "/", "B/"},
+                            {"B", "/x//", "B/x/"},
                             {"B", "//x", "B//x"},
                             {"B", "//", "B/"},
                             {"", "", "/"}};
@@ -70,6 +71,8 @@ TEST(RequestBuilder, JoinsWithOneSlash) {
 TEST(RequestBuilder, MethodsBodiesAndHeaders) {
   constexpr auto seven = static_cast<ZLVHTTPMethod>(7);
   const ZLVDictionary parameters{{"a", ZLVArray{1}}};
+  const ZLVDictionary latin1{{"n", "Andr\xE9"}};
+  const ZLVDictionary unwritable{{"r", std::make_shared<ZLVAccountMetadata>()}};
   const Headers plain{{"X-Mobile-Platform", "ios"}, {"X-Source", "mobile-ios"}};
   Headers json = plain;
   json.insert(json.begin(), {"Content-Type", "application/json"});
@@ -92,7 +95,8 @@ TEST(RequestBuilder, MethodsBodiesAndHeaders) {
       {ZLVHTTPMethodGet, ZLVDictionary{}, 0, "GET", "https://shop.test/v2/x?", {}, plain},
       {ZLVHTTPMethodPost, parameters, 0, "POST", address, R"({"a":[1]})", json},
       {ZLVHTTPMethodPost, {}, 0, "POST", address, {}, json},
-      {ZLVHTTPMethodPost, ZLVDictionary{{"r", "\xff"}}, 0, "POST", address, {}, json},
+      {ZLVHTTPMethodPost, latin1, 0, "POST", address, "{\"n\":\"Andr\uFFFD\"}", json},
+      {ZLVHTTPMethodPost, unwritable, 0, "POST", address, {}, json},
       {ZLVHTTPMethodDelete, parameters, 2, "DELETE", address, R"({"a":[1]})", json},
       {seven, {}, 0, "DELETE", address, {}, json},
       {ZLVHTTPMethodGet, {}, 1, "GET", address, {}, analytics},
@@ -128,11 +132,12 @@ TEST_F(Network, JudgesAnswers) {
       {200, R"({"status_code":"x"})", failure(0, "Request failed.")},
       {200, R"({"status_code":true})", failure(1, "Request failed.")},
       {400, R"({"status_message":"b","error_message":"a"})", failure(400, "a")},
-      {400, R"({"error_message":null,"status_message":"b"})", failure(400, nullptr)},
+      {400, R"({"error_message":null,"status_message":"b"})", failure(400, ZLVNull)},
+      {400, R"({"error_messages":["c"],"status_message":"b"})", failure(400, "b")},
       {400, R"({"error_messages":["c"]})", failure(400, ZLVArray{"c"})},
       {400, R"({"validation_messages":{"p":1}})",
        failure(400, "Request failed.", ZLVDictionary{{"p", 1}})},
-      {400, R"({"validation_messages":null})", failure(400, "Request failed.", nullptr)},
+      {400, R"({"validation_messages":null})", failure(400, "Request failed.", ZLVNull)},
       {404, "[1]", "[1]"},
       {200, "\"text\"", notAnObject},
       {500, "null", notAnObject},
@@ -169,8 +174,15 @@ TEST_F(Network, AnswersOnceWhateverTheSessionDoes) {
 
 TEST_F(Network, LogsMerchantCallsOnly) {
   const auto answer = [](FakeSession::Task& task) { task.answer(200, "{\"a\":\n1}"); };
-  outcome(service(ZLVHTTPMethodPost, ZLVDictionary{{"k", "v"}}), answer);
-  EXPECT_TRUE(platform.log->lines.empty());
+  // What counts is the flag when the answer comes.
+  for (const bool isEnabled : {true, false}) {
+    ZLVVendor::shared().setIsLoggingEnabled(!isEnabled);
+    outcome(service(ZLVHTTPMethodGet), [&](FakeSession::Task& task) {
+      ZLVVendor::shared().setIsLoggingEnabled(isEnabled);
+      answer(task);
+    });
+    EXPECT_EQ(std::exchange(platform.log->lines, {}).size(), isEnabled ? 2U : 0U);
+  }
 
   ZLVVendor::shared().setIsLoggingEnabled(true);
   for (const auto unlogged : {1U, 2U}) {
@@ -178,13 +190,13 @@ TEST_F(Network, LogsMerchantCallsOnly) {
   }
   EXPECT_TRUE(platform.log->lines.empty());
 
-  outcome(service(ZLVHTTPMethodPost, ZLVDictionary{{"k", "v"}}), answer);
+  outcome(service(ZLVHTTPMethodPost, ZLVDictionary{{"k", "v\xE9"}}), answer);
   EXPECT_EQ(
       platform.log->lines,
       (std::vector<std::string>{
           "A @POST request to : https://shop.test/v2/x request header: "
           R"({"Content-Type":"application/json","X-Mobile-Platform":"ios","X-Source":"mobile-ios"})",
-          R"(request body : {"k":"v"})", R"(response : {"a":\n1})"}));
+          "request body : {\"k\":\"v\uFFFD\"}", R"(response : {"a":\n1})"}));
 
   platform.log->lines.clear();
   outcome(200, "\xff");

@@ -2,45 +2,91 @@
 
 #include <ZolvaCheckoutKit/ZolvaCheckoutKit.h>
 
+#include "ZolvaCheckoutKit/Core/Helpers/ZLVJSONSerialization.h"
 #include "ZolvaCheckoutKit/Core/Helpers/parse.h"
 
 namespace {
-
-const ZLVDictionary header{
-    {"status_code", 201},           {"payment_type", "zolva"},
-    {"account_id", "acc-1"},        {"account_status", "PENDING"},
-    {"channel_response_code", "0"}, {"channel_response_message", "Process completed"}};
 
 ZLVDictionary with(ZLVDictionary dictionary, std::string_view key, ZLVValue value) {
   dictionary.set(key, std::move(value));
   return dictionary;
 }
 
+ZLVValue parsed(const std::string& text) {
+  return std::get<ZLVValue>(ZLVJSONSerialization::JSONObjectWithData(text));
+}
+
+/// The record that the JSON text reads as, which writes the same again.
+template <class Record>
+std::shared_ptr<Record> read(const std::string& text) {
+  auto record = Record::initWithDictionary(parsed(text));
+  EXPECT_EQ(parsed(ZLVValue(record->dictionaryValue()).description()), parsed(text));
+  return record;
+}
+
+const std::string actions = R"(,"actions":[{"name":"n","method":"GET","url":7},{}])";
+
+template <class Record>
+std::shared_ptr<Record> readHeader(const std::string& rest = "") {
+  const auto record =
+      read<Record>(R"({"status_code":201,"payment_type":"zolva","account_id":"acc-1",)"
+                   R"("account_status":"PENDING","channel_response_code":"0",)"
+                   R"("channel_response_message":"Processed")" +
+                   rest + "}");
+  EXPECT_EQ((ZLVArray{record->statusCode(), record->paymentType(), record->accountID(),
+                      record->accountStatus(), record->channelResponseCode(),
+                      record->channelResponseMessage()}),
+            (ZLVArray{201, "zolva", "acc-1", "PENDING", "0", "Processed"}));
+  return record;
+}
+
+template <class Record>
+std::shared_ptr<Record> readCharge(const std::string& rest = "") {
+  const auto record = read<Record>(
+      R"({"status_code":"200","status_message":"Done","transaction_id":"t","order_id":"o",)"
+      R"("gross_amount":10000,"currency":"EUR","payment_type":"zolva","transaction_time":"noon",)"
+      R"("transaction_status":"settlement","fraud_status":"accept","channel_response_code":"0",)"
+      R"("channel_response_message":"Processed")" +
+      rest + "}");
+  EXPECT_EQ(
+      (ZLVArray{record->statusCode(), record->statusMessage(), record->transactionId(),
+                record->orderId(), record->grossAmount(), record->currency(), record->paymentType(),
+                record->transactionTime(), record->transactionStatus(), record->fraudStatus(),
+                record->channelResponseCode(), record->channelResponseMessage()}),
+      (ZLVArray{"200", "Done", "t", "o", 10000, "EUR", "zolva", "noon", "settlement", "accept", "0",
+                "Processed"}));
+  return record;
+}
+
+template <class Record>
+void expectActions(const Record& record) {
+  ASSERT_EQ(record.actions()->size(), 2U);
+  const auto& action = *record.actions()->front();
+  EXPECT_EQ((ZLVArray{action.name(), action.method(), action.url()}), (ZLVArray{"n", "GET", 7}));
+}
+
 }  // namespace
 
 TEST(Records, KeepWhatTheServerSent) {
-  const auto whole =
-      with(header, "actions", ZLVArray{ZLVDictionary{{"name", "a"}, {"url", 7}}, ZLVDictionary{}});
-  const auto response = ZLVLinkAccountResponse::initWithDictionary(whole);
-  EXPECT_EQ(response->statusCode(), ZLVValue(201));
-  ASSERT_EQ(response->actions()->size(), 2U);
-  EXPECT_EQ(response->actions()->front()->url(), ZLVValue(7));
-  EXPECT_EQ(response->dictionaryValue(), whole);
-  EXPECT_EQ(ZLVLinkAccountResult::initWithDictionary(whole)->dictionaryValue(), header);
-  EXPECT_EQ(ZLVDisableAccountResult::initWithDictionary(whole)->dictionaryValue(), header);
+  readHeader<ZLVLinkAccountResult>();
+  readHeader<ZLVDisableAccountResult>();
+  expectActions(*readHeader<ZLVLinkAccountResponse>(actions));
+  readCharge<ZLVTransactionResult>();
+  expectActions(*readCharge<ZLVTransactionResponse>(actions));
 
-  const ZLVDictionary charge{{"transaction_id", "t"}, {"order_id", "o"},
-                             {"gross_amount", 10000}, {"status_code", "200"},
-                             {"fraud_status", "ok"},  {"actions", ZLVArray{}}};
-  const auto transaction = ZLVTransactionResponse::initWithDictionary(charge);
-  EXPECT_EQ(transaction->orderId(), ZLVValue("o"));
-  EXPECT_EQ(transaction->dictionaryValue(), charge);
+  const auto info = readHeader<ZLVAccountInfo>(
+      R"(,"metadata":{"payment_options":[{"name":"PAY","active":true,"metadata":{"tier":[1]},)"
+      R"("balance":{"value":"1.50","currency":"EUR"},"token":"tok"}]})");
+  const auto& option = *info->metadata()->paymentOptions()->front();
+  EXPECT_EQ((ZLVArray{option.name(), option.metadata(), option.token(), option.balance()->value(),
+                      option.balance()->currency()}),
+            (ZLVArray{"PAY", ZLVDictionary{{"tier", ZLVArray{1}}}, "tok", "1.50", "EUR"}));
 }
 
 TEST(Records, AbsentAndNullReadAsEmpty) {
   for (const auto& nothing :
        {ZLVValue(), ZLVValue(ZLVDictionary{}),
-        ZLVValue(ZLVDictionary{{"status_code", nullptr}, {"actions", nullptr}})}) {
+        ZLVValue(ZLVDictionary{{"status_code", ZLVNull}, {"actions", ZLVNull}})}) {
     const auto response = ZLVLinkAccountResponse::initWithDictionary(nothing);
     EXPECT_FALSE(response->actions());
     EXPECT_TRUE(response->dictionaryValue().empty());
@@ -69,7 +115,7 @@ TEST(Records, BooleansAreTrueWhereAnythingStands) {
   for (const auto& [value, expected] : {std::pair{ZLVValue(false), true},
                                         {ZLVValue(0), true},
                                         {ZLVValue("false"), true},
-                                        {ZLVValue(nullptr), false},
+                                        {ZLVValue(ZLVNull), false},
                                         {ZLVValue(), false}}) {
     const ZLVDictionary dictionary{{"active", value}, {"enable_callback", value}};
     EXPECT_EQ(ZLVPaymentOptions::initWithDictionary(dictionary)->active(), expected);
@@ -83,17 +129,21 @@ TEST(Records, CustomerIsReadFromPhoneFourTimes) {
   EXPECT_EQ(
       customer->dictionaryValue(),
       (ZLVDictionary{{"phone", "1"}, {"first_name", "1"}, {"last_name", "1"}, {"email", "1"}}));
-  EXPECT_EQ(ZLVCustomerDetails::initWithPhoneNumber("1", "2", "3", {})->dictionaryValue(),
-            (ZLVDictionary{{"phone", "1"}, {"first_name", "2"}, {"last_name", "3"}}));
+  EXPECT_EQ(
+      ZLVCustomerDetails::initWithPhoneNumber("1", "2", "3", "4")->dictionaryValue(),
+      (ZLVDictionary{{"phone", "1"}, {"first_name", "2"}, {"last_name", "3"}, {"email", "4"}}));
+  const char* const none = nullptr;
+  EXPECT_EQ(ZLVCustomerDetails::initWithPhoneNumber("1", nullptr, none, {})->dictionaryValue(),
+            (ZLVDictionary{{"phone", "1"}}));
 }
 
 TEST(Records, RequestRecordsTakeTheCallbackUrlWhenMade) {
-  const auto early = ZLVPartnerDetails::initWithPhoneNumber("81", "62");
+  const auto early = ZLVPartnerDetails::initWithPhoneNumber("5550100", "1");
   ZLVVendor::shared().setCallbackUrl("app://done");
-  const ZLVDictionary inner{{"phone_number", "81"}, {"country_code", "62"}};
+  const ZLVDictionary inner{{"phone_number", "5550100"}, {"country_code", "1"}};
   EXPECT_EQ(early->dictionaryValue(), (ZLVDictionary{{"zolva_partner", inner}}));
 
-  const auto partner = ZLVPartnerDetails::initWithPhoneNumber("81", "62");
+  const auto partner = ZLVPartnerDetails::initWithPhoneNumber("5550100", "1");
   const auto written = partner->dictionaryValue();
   const auto whole = with(inner, "redirect_url", "app://done");
   EXPECT_EQ(written, (ZLVDictionary{{"zolva_partner", whole}}));
@@ -107,10 +157,15 @@ TEST(Records, RequestRecordsTakeTheCallbackUrlWhenMade) {
                            {"callback_url", "app://done"},
                            {"enable_callback", true}}));
   EXPECT_EQ(ZLVZolvaDetails().dictionaryValue(), (ZLVDictionary{{"enable_callback", false}}));
-  EXPECT_EQ(
-      ZLVItemDetails::initWithIthItemID("i", "Tea", 2.5, 3, "drinks")->dictionaryValue(),
-      (ZLVDictionary{
-          {"id", "i"}, {"name", "Tea"}, {"price", 2.5}, {"quantity", 3}, {"category", "drinks"}}));
+  const ZLVDictionary amount{{"gross_amount", 10000.5}, {"order_id", "o"}, {"currency", "EUR"}};
+  EXPECT_EQ(ZLVTransactionDetails::initWithGrossAmount(10000.5, "o", "EUR")->dictionaryValue(),
+            amount);
+  EXPECT_EQ(ZLVTransactionDetails::initWithDictionary(amount)->dictionaryValue(), amount);
+  const ZLVDictionary tea{
+      {"id", "i"}, {"name", "Tea"}, {"price", 2.5}, {"quantity", 3}, {"category", "drinks"}};
+  EXPECT_EQ(ZLVItemDetails::initWithIthItemID("i", "Tea", 2.5, 3, "drinks")->dictionaryValue(),
+            tea);
+  EXPECT_EQ(ZLVItemDetails::initWithDictionary(tea)->dictionaryValue(), tea);
   EXPECT_EQ(ZLVItem::initWithIthItemID("i", "Tea", 2.5, 3, "drinks")->category(),
             ZLVValue("drinks"));
 }
@@ -126,7 +181,7 @@ TEST(Records, ListsMapInOrderAndSkipForeignElements) {
 
 TEST(Records, StructuralMismatchesAreFaults) {
   for (const auto& actions :
-       {ZLVValue("text"), ZLVValue(ZLVDictionary{}), ZLVValue(ZLVArray{nullptr}),
+       {ZLVValue("text"), ZLVValue(ZLVDictionary{}), ZLVValue(ZLVArray{ZLVNull}),
         ZLVValue(ZLVArray{ZLVDictionary{}, "x"})}) {
     const ZLVDictionary answer{{"actions", actions}, {"payment_options", actions}};
     EXPECT_THROW(ZLVTransactionResponse::initWithDictionary(answer), ZLVProgrammingFault);

@@ -1,7 +1,10 @@
 #include <array>
 #include <cstdlib>
 #include <limits>
+#include <string_view>
 #include <thread>
+#include <type_traits>
+#include <utility>
 
 #include <gtest/gtest.h>
 
@@ -13,6 +16,7 @@
 #include "ZolvaCheckoutKit/Core/Helpers/extract.h"
 
 using JSON = ZLVJSONSerialization;
+using namespace std::string_view_literals;
 
 namespace {
 
@@ -35,6 +39,44 @@ std::string readingFailure(std::string_view text) {
 }
 
 std::string nested(std::size_t depth) { return std::string(depth, '[') + std::string(depth, ']'); }
+
+// What would dangle must not compile: `Value` stands for a name (`const ZLVValue&`) or a temporary.
+template <class Value>
+concept HandsOutText = requires {
+  std::declval<Value>().text();
+};
+template <class Value>
+concept HandsOutAnArray = requires {
+  std::declval<Value>().array();
+};
+template <class Value>
+concept HandsOutADictionary = requires {
+  std::declval<Value>().dictionary();
+};
+template <class Dictionary>
+concept HandsOutIterators = requires {
+  std::declval<Dictionary>().begin();
+}
+|| requires { std::declval<Dictionary>().end(); };
+
+static_assert(HandsOutText<const ZLVValue&> && HandsOutAnArray<const ZLVValue&> &&
+              HandsOutADictionary<const ZLVValue&> && HandsOutIterators<const ZLVDictionary&>);
+static_assert(!HandsOutText<ZLVValue> && !HandsOutText<const ZLVValue>);
+static_assert(!HandsOutAnArray<ZLVValue> && !HandsOutAnArray<const ZLVValue>);
+static_assert(!HandsOutADictionary<ZLVValue> && !HandsOutADictionary<const ZLVValue>);
+static_assert(!HandsOutIterators<ZLVDictionary> && !HandsOutIterators<const ZLVDictionary>);
+
+/// Whether each of the expressions has a type of its own, and so refers to nothing.
+template <class... Handed>
+constexpr bool areCopies = (!std::is_reference_v<Handed> && ...);
+
+static_assert(areCopies<decltype(std::declval<const ZLVDictionary>()[""]),
+                        decltype(std::declval<const ZLVError>().userInfo()),
+                        decltype(std::declval<const ZLVURL>().absoluteString()),
+                        decltype(std::declval<const ZLVURL>().scheme()),
+                        decltype(std::declval<const ZLVURL>().host()),
+                        decltype(std::declval<const ZLVItem>().name()),
+                        decltype(std::declval<const ZLVTransactionResponse>().actions())>);
 
 }  // namespace
 
@@ -61,7 +103,7 @@ TEST(Value, IntegerValue) {
       {std::numeric_limits<std::uint64_t>::max(), most},
       {true, 1},
       {false, 0},
-      {nullptr, 0},
+      {ZLVNull, 0},
       {ZLVArray{1}, 0},
       {ZLVDictionary{{"a", 1}}, 0},
       {{}, 0},
@@ -75,8 +117,8 @@ TEST(Value, DictionaryKeepsTheLastAndNoAbsentValues) {
   ZLVDictionary dictionary{{"b", 1}, {"a", 2}, {"b", 3}, {"c", {}}};
   EXPECT_EQ(dictionary, (ZLVDictionary{{"a", 2}, {"b", 3}}));
   dictionary.set("a", {});
-  dictionary.merge({{"b", nullptr}, {"z", "x"}});
-  EXPECT_EQ(dictionary, (ZLVDictionary{{"b", nullptr}, {"z", "x"}}));
+  dictionary.merge({{"b", ZLVNull}, {"z", "x"}});
+  EXPECT_EQ(dictionary, (ZLVDictionary{{"b", ZLVNull}, {"z", "x"}}));
   EXPECT_TRUE(dictionary.contains("b"));
   EXPECT_TRUE(extract::objectOrNilForKey(dictionary, "b").isAbsent());
   EXPECT_EQ(extract::objectOrNilForKey({{"n", "null"}}, "n"), ZLVValue("null"));
@@ -84,24 +126,31 @@ TEST(Value, DictionaryKeepsTheLastAndNoAbsentValues) {
 }
 
 TEST(Value, KindsAreToldApart) {
-  const std::optional<std::string> none;
-  EXPECT_TRUE(ZLVValue(none).isAbsent());
-  EXPECT_TRUE(ZLVValue(static_cast<const char*>(nullptr)).isAbsent());
+  char* const noText = nullptr;
+  for (const auto& nothing :
+       {ZLVValue(), ZLVValue(nullptr), ZLVValue(noText), ZLVValue(std::as_const(noText)),
+        ZLVValue(std::nullopt), ZLVValue(std::optional<std::string>()),
+        ZLVValue(std::optional<double>()), ZLVValue(std::optional<const char*>(noText)),
+        ZLVValue(ZLVRecord<ZLVAccountMetadata>())}) {
+    EXPECT_TRUE(nothing.isAbsent()) << nothing.description();
+  }
+  EXPECT_EQ(ZLVValue(std::optional(2.5)), ZLVValue(2.5));
+  EXPECT_TRUE(ZLVValue(ZLVNull).isNull());
   EXPECT_NE(ZLVValue(1), ZLVValue(true));
   EXPECT_NE(ZLVValue(1), ZLVValue(1.0));
   EXPECT_EQ(ZLVValue(7U), ZLVValue(7));
-  EXPECT_NE(ZLVValue(), ZLVValue(nullptr));
+  EXPECT_NE(ZLVValue(), ZLVValue(ZLVNull));
   EXPECT_FALSE(ZLVValue(true).number());
 }
 
 TEST(JSON, ReadsWhatIsValid) {
   EXPECT_EQ(parsed("\xEF\xBB\xBF {\"a\":1,\"a\":[true,null,\"\\u00e9\\ud83d\\ude00\"]} "),
-            ZLVValue(ZLVDictionary{{"a", ZLVArray{true, nullptr, "\u00e9\U0001F600"}}}));
+            ZLVValue(ZLVDictionary{{"a", ZLVArray{true, ZLVNull, "\u00e9\U0001F600"}}}));
   EXPECT_EQ(parsed("9223372036854775807"), ZLVValue(std::numeric_limits<std::int64_t>::max()));
   EXPECT_EQ(parsed("18446744073709551615"), ZLVValue(std::numeric_limits<std::uint64_t>::max()));
   EXPECT_EQ(parsed("18446744073709551616"), ZLVValue(18446744073709551616.0));
   EXPECT_EQ(parsed("-9223372036854775809"), ZLVValue(-9223372036854775809.0));
-  EXPECT_EQ(parsed(R"("a\u0000b")").text()->size(), 3U);
+  EXPECT_EQ(parsed(R"("a\u0000b")"), ZLVValue(std::string("a\0b", 3)));
   EXPECT_EQ(parsed(R"([{"k":[1,{"x":2}],"l":{}},3])").description(),
             R"([{"k":[1,{"x":2}],"l":{}},3])");
   parsed(nested(512));
@@ -115,13 +164,13 @@ TEST(JSON, RefusesWhatIsNot) {
                                  "{} x",
                                  "[1,]",
                                  "nul",
-                                 "\"\xff\"",
-                                 "\"\xed\xa0\x80\"",
                                  "\"\\ud800\"",
                                  "1e400",
                                  "01",
                                  "NaN",
                                  "<html>",
+                                 "/**/1",
+                                 "1//",
                                  std::string("{}\0", 3),
                                  nested(513),
                                  std::string(100'000, '[')};
@@ -131,12 +180,11 @@ TEST(JSON, RefusesWhatIsNot) {
 
 TEST(JSON, WritesCompactTextOrNothing) {
   const ZLVDictionary dictionary{
-      {"amount", 10000.5}, {"count", 3}, {"items", ZLVArray{}}, {"quote", "\"\\/\n\x01\u00e9"}};
+      {"count", 3}, {"items", ZLVArray{}}, {"one", ZLVArray{"\"", "\\", "\n", "\x01", "/\u00e9"}}};
   EXPECT_EQ(JSON::dataWithJSONObject(dictionary),
-            R"({"amount":10000.5,"count":3,"items":[],"quote":"\"\\/\n\u0001é"})");
-  for (const auto& unwritable :
-       {ZLVValue("\xff"), ZLVValue(std::numeric_limits<double>::infinity()),
-        ZLVValue(std::make_shared<ZLVAccountMetadata>()), ZLVValue()}) {
+            R"({"count":3,"items":[],"one":["\"","\\","\n","\u0001","/é"]})");
+  for (const auto& unwritable : {ZLVValue(std::numeric_limits<double>::infinity()),
+                                 ZLVValue(std::make_shared<ZLVAccountMetadata>()), ZLVValue()}) {
     EXPECT_FALSE(JSON::dataWithJSONObject(ZLVArray{unwritable})) << unwritable.description();
   }
 }
@@ -206,7 +254,7 @@ TEST(QueryString, DecodesAndFlattens) {
       {{{"q", "a%20b&c"}}, "q=a b&c"},
       {{{"bad", "100%"}}, "bad=(null)"},
       {{{"bad", "%ff"}}, "bad=(null)"},
-      {{{"note", nullptr}}, "note="},
+      {{{"note", ZLVNull}}, "note="},
       {{{"none", ZLVArray{}}, {"x", 1.5}}, "x=1.5"},
       {{{"yes", true}, {"no", false}}, "no=0&yes=1"},
       {{{"ids", ZLVArray{1, ZLVArray{2, "%33"}}}}, "ids[]=1&ids[]=2&ids[]=3"},
@@ -215,7 +263,7 @@ TEST(QueryString, DecodesAndFlattens) {
     EXPECT_EQ(core_parse::queryStringValue(dictionary), expected);
   }
   for (const auto& dictionary :
-       {ZLVDictionary{{"d", ZLVDictionary{}}}, ZLVDictionary{{"a", ZLVArray{nullptr}}},
+       {ZLVDictionary{{"d", ZLVDictionary{}}}, ZLVDictionary{{"a", ZLVArray{ZLVNull}}},
         ZLVDictionary{{"a", ZLVArray{ZLVDictionary{}}}}}) {
     EXPECT_THROW(core_parse::queryStringValue(dictionary), ZLVProgrammingFault);
   }
@@ -229,14 +277,56 @@ TEST(Error, Descriptions) {
   const auto server =
       ZLVError::errorWithDomain(ZLVErrorDomain, 406,
                                 {{std::string(NSLocalizedDescriptionKey), ZLVArray{"too\nlong", 1}},
-                                 {std::string(NSLocalizedFailureReasonErrorKey), nullptr}});
+                                 {std::string(NSLocalizedFailureReasonErrorKey), ZLVNull}});
   EXPECT_EQ(server.localizedDescription(), R"(["too\nlong",1])");
   EXPECT_EQ(server.localizedFailureReason(), "<null>");
-  const auto text = server.debugDescription();
-  for (const auto* piece : {"com.zolva.checkoutkit", "406", "too"}) {
+  const auto text =
+      ZLVError::errorWithDomain(ZLVErrorDomain, 406,
+                                {{std::string(NSLocalizedDescriptionKey), "too\nlong,\r caf\xE9"}})
+          .debugDescription();
+  for (const auto* piece : {"com.zolva.checkoutkit", "406", "\"too\\nlong,\\r caf\uFFFD\""}) {
     EXPECT_NE(text.find(piece), std::string::npos) << text;
   }
-  EXPECT_EQ(text.find('\n'), std::string::npos);
+  EXPECT_EQ(text.find_first_of("\n\r\xE9"), std::string::npos);
+}
+
+TEST(Text, BytesBecomeUTF8) {
+  const std::string_view whole =
+      "a\0 \u007f \u0080 \u07ff \u0800 \xED\x9F\xBF \xEE\x80\x80 \U00010000 \U0010ffff"sv;
+  EXPECT_TRUE(ZLVIsUTF8(whole));
+  EXPECT_EQ(ZLVValue(whole).description(), whole);
+
+  // "?" stands for U+FFFD.
+  for (const auto& [bytes, expected] : std::initializer_list<std::pair<const char*, const char*>>{
+           {"caf\xE9", "caf?"},
+           {"Andr\xE9 Ch\xE2telet, 12 rue", "Andr? Ch?telet, 12 rue"},
+           {"\x80\xBF\xFF", "???"},
+           {"\xC0\xAF", "??"},
+           {"\xC1\xBF\xC2", "???"},
+           {"\xE0\x9F\xBF", "???"},
+           {"\xED\xA0\x80", "???"},
+           {"\xF0\x8F\xBF\xBF", "????"},
+           {"\xF4\x90\x80\x80", "????"},
+           {"\xF5\x80", "??"},
+           {"\xF0\x9F\x98", "?"},
+           {"\xF0\x9F\x98 \xE2\x82\"", "? ?\""},
+           {"\xE1\x80\xE2\xF0\x91\x92\xF1\xBF\x41", "????A"}}) {
+    std::string text = expected;
+    for (std::size_t at = 0; (at = text.find('?', at)) != std::string::npos;) {
+      text.replace(at, 1, "\uFFFD");
+    }
+    EXPECT_FALSE(ZLVIsUTF8(bytes));
+    EXPECT_NE(readingFailure('"' + std::string(bytes) + '"'), "") << expected;
+    for (const auto& value : {ZLVValue(bytes), ZLVValue(std::string(bytes)),
+                              ZLVValue(std::string_view(bytes)), ZLVValue(std::optional(bytes))}) {
+      EXPECT_EQ(value.description(), text);
+    }
+    ZLVDictionary dictionary{{bytes, 1}};
+    EXPECT_EQ(dictionary, (ZLVDictionary{{text, 1}}));
+    dictionary.set(bytes, 2);
+    EXPECT_EQ(dictionary, (ZLVDictionary{{text, 2}}));
+    EXPECT_EQ(dictionary[bytes], ZLVValue(2));
+  }
 }
 
 TEST(Text, OneLineEscapesControlCharacters) {

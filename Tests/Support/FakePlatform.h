@@ -140,11 +140,13 @@ struct FakePlatform {
 
   /// The records of the last upload.
   [[nodiscard]] ZLVArray lastUpload() const {
-    return *parsed(*session.analytics.back().request.HTTPBody)["d"].array();
+    const auto body = parsed(*session.analytics.back().request.HTTPBody);
+    return *body["d"].array();
   }
 
   static ZLVDictionary parsed(const std::string& json) {
-    return *std::get<ZLVValue>(ZLVJSONSerialization::JSONObjectWithData(json)).dictionary();
+    const auto value = ZLVJSONSerialization::JSONObjectWithData(json);
+    return *std::get<ZLVValue>(value).dictionary();
   }
 
  private:

@@ -30,7 +30,7 @@ ZLVError ZLVError::errorWithDomain(std::string_view domain, std::int64_t code,
 
 std::string ZLVError::domain() const { return domain_.description(); }
 
-const ZLVDictionary& ZLVError::userInfo() const noexcept { return *userInfo_.dictionary(); }
+const ZLVDictionary& ZLVError::userInfo() const& noexcept { return *userInfo_.dictionary(); }
 
 std::string ZLVError::localizedDescription() const {
   const auto& description = userInfo()[NSLocalizedDescriptionKey];

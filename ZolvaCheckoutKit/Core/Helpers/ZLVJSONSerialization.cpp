@@ -21,7 +21,7 @@ using boost::ulong_long_type;
 #include <boost/json/src.hpp>
 #undef boost
 
-#include <ZolvaCheckoutKit/Core/Helpers/ZLVText.h>
+#include <ZolvaCheckoutKit/Core/Helpers/ZLVDecoded.h>
 #include <ZolvaCheckoutKit/ZLVMappable.h>
 
 namespace {
@@ -51,8 +51,8 @@ class ValueBuilder {
   }
   bool on_object_end(std::size_t count, json::error_code&) {
     const auto first = entries_.end() - static_cast<std::ptrdiff_t>(count);
-    ZLVDictionary dictionary(std::vector<ZLVDictionary::Entry>(
-        std::make_move_iterator(first), std::make_move_iterator(entries_.end())));
+    auto dictionary = ZLVDecoded::dictionary(
+        {std::make_move_iterator(first), std::make_move_iterator(entries_.end())});
     return endContainer(count, std::move(dictionary));
   }
   bool on_array_begin(json::error_code& error) { return on_object_begin(error); }
@@ -78,8 +78,8 @@ class ValueBuilder {
     return true;
   }
   bool on_string(json::string_view part, std::size_t length, json::error_code& error) {
-    if (text_.empty()) return add(std::string_view(part.data(), part.size()));
-    return on_string_part(part, length, error) && add(std::exchange(text_, {}));
+    if (text_.empty()) return add(ZLVDecoded::text(std::string_view(part.data(), part.size())));
+    return on_string_part(part, length, error) && add(ZLVDecoded::text(std::exchange(text_, {})));
   }
   bool on_number_part(json::string_view, json::error_code&) { return true; }
   bool on_int64(std::int64_t number, json::string_view, json::error_code&) { return add(number); }
@@ -92,7 +92,7 @@ class ValueBuilder {
     return false;
   }
   bool on_bool(bool boolean, json::error_code&) { return add(boolean); }
-  bool on_null(json::error_code&) { return add(nullptr); }
+  bool on_null(json::error_code&) { return add(ZLVNull); }
   bool on_comment_part(json::string_view, json::error_code&) { return true; }
   bool on_comment(json::string_view, json::error_code&) { return true; }
 
@@ -168,9 +168,8 @@ class Writer {
   bool writeUnwritable() {
     return unwritable_ == ZLVJSONSerialization::Unwritable::Describe && put("null");
   }
-  bool writeText(std::string_view value) {
+  bool writeText(std::string_view value) {  // which is UTF-8, like every text
     if (std::ranges::none_of(value, needsCare)) return put("\"") && put(value) && put("\"");
-    if (!ZLVIsUTF8(value)) return writeUnwritable();
     return put(json::serialize(json::string_view(value.data(), value.size())));
   }
   bool writeDictionary(const ZLVDictionary& dictionary) {

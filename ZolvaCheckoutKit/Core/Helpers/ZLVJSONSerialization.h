@@ -14,7 +14,7 @@ class ZLVJSONSerialization {
   ZLVJSONSerialization() = delete;
 
   /// What a value has that JSON text has not: a record, an absent value, a number that is not
-  /// finite, a text that is not UTF-8.
+  /// finite.
   enum class Unwritable {
     Refuse,    ///< Writing fails.
     Describe,  ///< A record is written as its dictionary, anything else as null.

@@ -21,36 +21,59 @@ std::string ZLVStringWithFormat(std::string_view format,
   return text += format;
 }
 
-bool ZLVIsUTF8(std::string_view bytes) noexcept {
-  struct Form {
-    std::uint8_t mask, lead;
-    std::size_t continuations;
-    char32_t least;
-  };
-  constexpr std::array<Form, 3> forms{
-      {{0xE0, 0xC0, 1, 0x80}, {0xF0, 0xE0, 2, 0x800}, {0xF8, 0xF0, 3, 0x10000}}};
+namespace {
+
+struct Sequence {
+  std::size_t size;
+  bool isCharacter;
+};
+
+/// The character that the bytes start with, or what of them could have become one.
+Sequence firstSequence(std::string_view bytes) noexcept {
+  const auto lead = static_cast<std::uint8_t>(bytes.front());
+  if (lead < 0x80) return {1, true};
+  if (lead < 0xC2 || lead > 0xF4) return {1, false};
+  const std::size_t size = lead < 0xE0 ? 2 : lead < 0xF0 ? 3 : 4;
+  // The second byte rules out overlong forms, surrogates and what is above U+10FFFF.
+  std::uint8_t least = lead == 0xE0 ? 0xA0 : lead == 0xF0 ? 0x90 : 0x80;
+  std::uint8_t most = lead == 0xED ? 0x9F : lead == 0xF4 ? 0x8F : 0xBF;
+  for (std::size_t i = 1; i < size; ++i) {
+    if (i == bytes.size()) return {i, false};
+    const auto byte = static_cast<std::uint8_t>(bytes[i]);
+    if (byte < least || byte > most) return {i, false};
+    least = 0x80;
+    most = 0xBF;
+  }
+  return {size, true};
+}
+
+/// How many of the bytes are UTF-8 before the first that are not.
+std::size_t sizeOfUTF8(std::string_view bytes) noexcept {
   constexpr auto isOther = [](char byte) { return static_cast<std::uint8_t>(byte) >= 0x80; };
-
+  auto rest = bytes;
   for (;;) {
-    bytes.remove_prefix(
-        static_cast<std::size_t>(std::ranges::find_if(bytes, isOther) - bytes.begin()));
-    if (bytes.empty()) return true;
-    const auto lead = static_cast<std::uint8_t>(bytes.front());
-    const Form* form = nullptr;
-    for (const auto& candidate : forms) {
-      if ((lead & candidate.mask) == candidate.lead) form = &candidate;
-    }
-    if (form == nullptr || bytes.size() <= form->continuations) return false;
+    rest.remove_prefix(
+        static_cast<std::size_t>(std::ranges::find_if(rest, isOther) - rest.begin()));
+    if (rest.empty()) return bytes.size();
+    const auto sequence = firstSequence(rest);
+    if (!sequence.isCharacter) return bytes.size() - rest.size();
+    rest.remove_prefix(sequence.size);
+  }
+}
 
-    auto character = static_cast<char32_t>(lead & static_cast<std::uint8_t>(~form->mask));
-    for (const char byte : bytes.substr(1, form->continuations)) {
-      const auto continuation = static_cast<std::uint8_t>(byte);
-      if ((continuation & 0xC0) != 0x80) return false;
-      character = (character << 6) | (continuation & 0x3F);
-    }
-    const bool isSurrogate = character >= 0xD800 && character <= 0xDFFF;
-    if (character < form->least || character > 0x10FFFF || isSurrogate) return false;
-    bytes.remove_prefix(1 + form->continuations);
+}  // namespace
+
+bool ZLVIsUTF8(std::string_view bytes) noexcept { return sizeOfUTF8(bytes) == bytes.size(); }
+
+std::string ZLVUTF8Text(std::string_view bytes) {
+  std::string text;
+  for (;;) {
+    const auto size = sizeOfUTF8(bytes);
+    text += bytes.substr(0, size);
+    bytes.remove_prefix(size);
+    if (bytes.empty()) return text;
+    text += "\uFFFD";
+    bytes.remove_prefix(firstSequence(bytes).size);
   }
 }
 

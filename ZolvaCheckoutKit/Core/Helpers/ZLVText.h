@@ -16,6 +16,10 @@ std::string ZLVStringWithFormat(std::string_view format,
 /// Whether the bytes are UTF-8 as RFC 3629 has it: no overlong forms, no surrogates.
 bool ZLVIsUTF8(std::string_view bytes) noexcept;
 
+/// `bytes` as UTF-8: the longest starts of a character that came to nothing, and the bytes that
+/// start none, become U+FFFD each.
+std::string ZLVUTF8Text(std::string_view bytes);
+
 /// `text` with its control characters written as JSON writes them, so that it stays one line.
 std::string ZLVOneLine(std::string_view text);
 

@@ -64,28 +64,24 @@ std::optional<ZLVValue::ShortText> ZLVValue::shortened(std::string_view text) no
   return shortText;
 }
 
-ZLVValue::ZLVValue(std::string text) {
-  if (const auto shortText = shortened(text)) {
-    storage_ = *shortText;
-  } else {
-    storage_ = std::make_shared<const std::string>(std::move(text));
-  }
+ZLVValue::Storage ZLVValue::stored(std::string&& text) {
+  if (const auto shortText = shortened(text)) return *shortText;
+  return std::make_shared<const std::string>(std::move(text));
 }
 
-ZLVValue::ZLVValue(std::string_view text) {
-  if (const auto shortText = shortened(text)) {
-    storage_ = *shortText;
-  } else {
-    storage_ = std::make_shared<const std::string>(text);
-  }
+ZLVValue::Storage ZLVValue::stored(std::string_view text) {
+  if (const auto shortText = shortened(text)) return *shortText;
+  return std::make_shared<const std::string>(text);
 }
+
+ZLVValue::ZLVValue(std::string text)
+    : storage_(stored(ZLVIsUTF8(text) ? std::move(text) : ZLVUTF8Text(text))) {}
+
+ZLVValue::ZLVValue(std::string_view text)
+    : storage_(ZLVIsUTF8(text) ? stored(text) : stored(ZLVUTF8Text(text))) {}
 
 ZLVValue::ZLVValue(const char* text) {
   if (text != nullptr) *this = std::string_view(text);
-}
-
-ZLVValue::ZLVValue(std::optional<std::string> text) {
-  if (text) *this = *std::move(text);
 }
 
 ZLVValue::ZLVValue(ZLVArray array) : storage_(std::make_shared<const ZLVArray>(std::move(array))) {}
@@ -98,7 +94,7 @@ std::optional<bool> ZLVValue::boolean() const noexcept {
   return boolean != nullptr ? std::optional(*boolean) : std::nullopt;
 }
 
-std::optional<std::string_view> ZLVValue::text() const noexcept {
+std::optional<std::string_view> ZLVValue::text() const& noexcept {
   if (const auto* text = std::get_if<ShortText>(&storage_)) {
     return std::string_view(text->characters.data(), text->size);
   }
@@ -117,12 +113,12 @@ std::optional<double> ZLVValue::number() const noexcept {
   return number != nullptr ? std::optional(*number) : std::nullopt;
 }
 
-const ZLVArray* ZLVValue::array() const noexcept {
+const ZLVArray* ZLVValue::array() const& noexcept {
   const auto* array = std::get_if<std::shared_ptr<const ZLVArray>>(&storage_);
   return array != nullptr ? array->get() : nullptr;
 }
 
-const ZLVDictionary* ZLVValue::dictionary() const noexcept {
+const ZLVDictionary* ZLVValue::dictionary() const& noexcept {
   const auto* dictionary = std::get_if<std::shared_ptr<const ZLVDictionary>>(&storage_);
   return dictionary != nullptr ? dictionary->get() : nullptr;
 }
@@ -201,6 +197,13 @@ ZLVDictionary::ZLVDictionary(std::initializer_list<Entry> entries)
     : ZLVDictionary(std::vector<Entry>(entries)) {}
 
 ZLVDictionary::ZLVDictionary(std::vector<Entry> entries) : entries_(std::move(entries)) {
+  for (auto& [key, value] : entries_) {
+    if (!ZLVIsUTF8(key)) key = ZLVUTF8Text(key);
+  }
+  arrange();
+}
+
+void ZLVDictionary::arrange() {
   sortByKey(entries_);
   // The last of equal keys stays, so duplicates are looked for from the end.
   const auto isSame = [](const Entry& left, const Entry& right) {
@@ -211,9 +214,10 @@ ZLVDictionary::ZLVDictionary(std::vector<Entry> entries) : entries_(std::move(en
   std::erase_if(entries_, [](const Entry& entry) { return entry.second.isAbsent(); });
 }
 
-const ZLVValue& ZLVDictionary::operator[](std::string_view key) const noexcept {
+const ZLVValue& ZLVDictionary::operator[](std::string_view key) const& noexcept {
   const auto entry = std::lower_bound(entries_.begin(), entries_.end(), key, isBefore);
-  return entry != entries_.end() && entry->first == key ? entry->second : absentValue;
+  if (entry != entries_.end() && entry->first == key) return entry->second;
+  return ZLVIsUTF8(key) ? absentValue : (*this)[ZLVUTF8Text(key)];
 }
 
 bool ZLVDictionary::contains(std::string_view key) const noexcept {
@@ -221,6 +225,7 @@ bool ZLVDictionary::contains(std::string_view key) const noexcept {
 }
 
 void ZLVDictionary::set(std::string_view key, ZLVValue value) {
+  if (!ZLVIsUTF8(key)) return set(ZLVUTF8Text(key), std::move(value));
   const auto entry = std::lower_bound(entries_.begin(), entries_.end(), key, isBefore);
   const bool isPresent = entry != entries_.end() && entry->first == key;
   if (value.isAbsent()) {
