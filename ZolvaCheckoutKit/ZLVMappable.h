@@ -12,10 +12,10 @@
 /// `initWithDictionary(dictionary)` of its class and turns itself back into one.
 ///
 /// Records are plain and mutable: one getter and one setter for each field, no locks, no value
-/// equality. A field that was filled from an answer holds exactly what the server sent, whatever
-/// its kind. `initWithDictionary` never reports an error for a missing, null or unexpected plain
-/// value; it throws `ZLVProgrammingFault` where an array or a dictionary is needed and something
-/// else stands.
+/// equality. A getter refers to the field, so keep the record while you use what it hands out. A
+/// field that was filled from an answer holds exactly what the server sent, whatever its kind.
+/// `initWithDictionary` never reports an error for a missing, null or unexpected plain value; it
+/// throws `ZLVProgrammingFault` where an array or a dictionary is needed and something else stands.
 class ZLV_EXPORT ZLVMappable {
  public:
   ZLVMappable() = default;

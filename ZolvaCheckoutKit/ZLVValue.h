@@ -41,9 +41,9 @@ inline constexpr ZLVNullType ZLVNull{0};
 /// if (auto status = info->accountStatus().text(); status == "ENABLED") { … }
 /// ```
 ///
-/// What would dangle does not compile: a temporary value hands out no view and no pointer. Give it
-/// a name first, compare it (`record->dictionaryValue()["order_id"] == "o-1"`), or take its
-/// `description()`.
+/// A temporary value hands out no view and no pointer, as these would dangle: such code does not
+/// compile. Give the value a name first, compare it, as in
+/// `record->dictionaryValue()["order_id"] == "o-1"`, or take its `description()`.
 class ZLV_EXPORT ZLVValue {
  public:
   /// What a value holds. `Absent` is "no such key" or "never set"; `Null` is `ZLVNull`.
@@ -120,9 +120,9 @@ class ZLV_EXPORT ZLVValue {
   /// 0 for every other kind. Saturates at the limits of 64 bits.
   [[nodiscard]] std::int64_t integerValue() const noexcept;
 
-  /// A text for people: a text as itself, a number as ECMAScript writes it, a boolean as 1 or 0,
-  /// null as "<null>", absent as "(null)"; arrays and dictionaries as one line of JSON in which
-  /// records stand as their dictionaries.
+  /// A text for people: a text as itself, an integer in its digits, a double as ECMAScript writes
+  /// it, a boolean as 1 or 0, null as "<null>", absent as "(null)"; arrays and dictionaries as one
+  /// line of JSON in which records stand as their dictionaries.
   [[nodiscard]] std::string description() const;
 
   /// Equal kind and equal content; records are equal only to themselves.

@@ -8,7 +8,7 @@ namespace {
 
 const ZLVDictionary facts{{"app version", "2.5"},
                           {"sdk version", "0.1.1"},
-                          {"device name", "Ada's phone"},
+                          {"device name", "Ad\uFFFD's phone"},
                           {"device model", "model9,9"},
                           {"OS", "iOS"},
                           {"OS version", "17.0"}};

@@ -55,6 +55,7 @@ std::shared_ptr<Record> readCharge(const std::string& rest = "") {
                 record->channelResponseCode(), record->channelResponseMessage()}),
       (ZLVArray{"200", "Done", "t", "o", 10000, "EUR", "zolva", "noon", "settlement", "accept", "0",
                 "Processed"}));
+  EXPECT_TRUE(record->dictionaryValue()["order_id"] == "o");  // of a temporary dictionary
   return record;
 }
 

@@ -1,6 +1,7 @@
 // Bytes -> value -> every record class, and back.
 
 #include <algorithm>
+#include <cmath>
 #include <initializer_list>
 
 #include <ZolvaCheckoutKit/Core/Helpers/ZLVJSONSerialization.h>
@@ -41,6 +42,25 @@ ZLVValue rewritten(const ZLVValue& value, JSON::Unwritable unwritable) {
   return *again;
 }
 
+/// Takes any bytes for a text, as a host may.
+void checkText(std::string_view bytes) {
+  const ZLVValue text(bytes);
+  promise(ZLVIsUTF8(*text.text()), "A text is UTF-8.", bytes);
+  promise(ZLVIsUTF8(bytes) == (text.text() == bytes), "Only what is not UTF-8 changes.", bytes);
+  const ZLVDictionary dictionary{{std::string(bytes), text}};
+  promise(dictionary[bytes] == text, "A key is found.", bytes);
+  rewritten(dictionary, JSON::Unwritable::Refuse);
+}
+
+/// Whether the number is written plainly exactly where ECMAScript does.
+bool isInForm(double number, std::string_view text) {
+  const auto size = std::abs(number);
+  const bool isPlain = size == 0 || (size >= 1e-6 && size < 1e21);
+  const bool isWhole = std::trunc(number) == number;
+  return isPlain == (text.find('e') == std::string_view::npos) &&
+         (!isPlain || isWhole == (text.find('.') == std::string_view::npos));
+}
+
 /// Takes every reading of the value and of those inside it. None of them throws.
 void readAll(const ZLVValue& value) {
   for (const auto& element : value.array() != nullptr ? *value.array() : ZLVArray()) {
@@ -55,6 +75,8 @@ void readAll(const ZLVValue& value) {
   const bool isContainer = value.array() != nullptr || value.dictionary() != nullptr;
   promise(isContainer || !value.description().empty() || value.text() == "",
           "A value has a description.", "");
+  promise(!value.isNumber() || isInForm(*value.number(), value.description()),
+          "A number is written as ECMAScript does.", value.description());
   promise(!value.boolean() || value.integerValue() == (*value.boolean() ? 1 : 0),
           "A boolean is 1 or 0.", value.description());
   promise(value.record() == nullptr && !value.isAbsent(), "JSON has no such value.", "");
@@ -149,6 +171,7 @@ void checkRecords(const ZLVValue& value) {
 
 int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   const auto text = textOf(data, size);
+  checkText(text);
   const auto read = JSON::JSONObjectWithData(text);
   if (const auto* error = std::get_if<ZLVError>(&read)) {
     promise(

@@ -38,7 +38,7 @@ struct FakeLog : ZLVSystemLog {
 struct FakeDevice : ZLVDevice {
   std::optional<std::string> identifier = "3B1F9C52-0A11-4C4A-9C3C-2F6B0B9D7E10";
   std::optional<ZLVSize> screen = ZLVSize{390, 844};
-  std::optional<std::string> version = "2.5", model = "model9,9", deviceName = "Ada's phone",
+  std::optional<std::string> version = "2.5", model = "model9,9", deviceName = "Ad\xE9's phone",
                              system = "17.0";
   std::vector<std::string> localizations, languages;
   std::optional<Threads> usage = Threads{};
