@@ -103,7 +103,6 @@ std::string ZLVOneLine(std::string_view text) {
 std::string ZLVDecimalText(double number) {
   if (std::isnan(number)) return "NaN";
   if (std::isinf(number)) return number < 0 ? "-Infinity" : "Infinity";
-  if (number == 0) return "0";
 
   // "d[.ddd]e(+|-)dd". No other place turns a double into digits.
   std::array<char, 32> buffer{};
@@ -129,5 +128,5 @@ std::string ZLVDecimalText(double number) {
   } else {
     text.append(static_cast<std::size_t>(whole - count), '0');
   }
-  return number < 0 ? "-" + text : text;
+  return number < 0 ? "-" + text : text;  // minus zero loses its sign
 }

@@ -201,6 +201,7 @@ ZLVDictionary::ZLVDictionary(std::vector<Entry> entries) : entries_(std::move(en
     if (!ZLVIsUTF8(key)) key = ZLVUTF8Text(key);
   }
   arrange();
+  std::erase_if(entries_, [](const Entry& entry) { return entry.second.isAbsent(); });
 }
 
 void ZLVDictionary::arrange() {
@@ -211,7 +212,6 @@ void ZLVDictionary::arrange() {
   };
   const auto firstKept = std::unique(entries_.rbegin(), entries_.rend(), isSame).base();
   entries_.erase(entries_.begin(), firstKept);
-  std::erase_if(entries_, [](const Entry& entry) { return entry.second.isAbsent(); });
 }
 
 const ZLVValue& ZLVDictionary::operator[](std::string_view key) const& noexcept {
