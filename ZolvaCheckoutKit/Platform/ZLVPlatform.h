@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -30,6 +31,11 @@ struct ZLV_EXPORT ZLVPlatform {
   std::shared_ptr<ZLVUserInterface> userInterface;
   /// Base URL of the analytics service, ending in "/", where it is not the usual one.
   std::optional<std::string> analyticsRootURL;
+  /// The most memory that a decoded answer may take, in bytes, its text aside; counted while it is
+  /// decoded, and rounded up. A larger one fails with `NSURLErrorDataLengthExceedsMaximum`. Enough
+  /// for an account with 10,000 payment options; more would hold up the main thread, on which the
+  /// records are made.
+  std::size_t maximumDecodedSize = std::size_t{32} * 1024 * 1024;
 
   /// Gives the library its platform, which it keeps until the process ends. Once, on the main
   /// thread, before anything else. Throws `ZLVProgrammingFault` when a part is missing or a

@@ -2,6 +2,7 @@
 #include <charconv>
 #include <cmath>
 #include <cstdint>
+#include <new>
 #include <utility>
 #include <vector>
 
@@ -31,10 +32,22 @@ namespace json = zlv_boost::json;
 constexpr std::size_t maximumDepth = 512;
 constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
 
+/// What memory is counted for, rounded up. An entry waits on the stack, then stands in a container,
+/// and takes half as much again while that is sorted.
+constexpr std::size_t entrySize = sizeof(ZLVDictionary::Entry) * 5 / 2;
+constexpr std::size_t sharedSize = 64;       // an array, or what a long text needs beside itself
+constexpr std::size_t dictionarySize = 256;  // with the record that is made of it
+constexpr std::size_t longestFreeText = 15;  // it stands in its entry
+
+/// The parser's word for what it never meets, because its own limits are off.
+constexpr auto tooLarge = json::error::array_too_large;
+
 /// Builds the value straight from the parser's events. A container's entries wait on one stack
 /// until it ends.
 class ValueBuilder {
  public:
+  explicit ValueBuilder(std::size_t maximumSize) : remaining_(maximumSize) {}
+
   static constexpr std::size_t max_object_size = SIZE_MAX;
   static constexpr std::size_t max_array_size = SIZE_MAX;
   static constexpr std::size_t max_key_size = SIZE_MAX;
@@ -45,79 +58,107 @@ class ValueBuilder {
   bool on_document_begin(json::error_code&) { return true; }
   bool on_document_end(json::error_code&) { return true; }
 
-  bool on_object_begin(json::error_code&) {
-    keys_.push_back(std::move(key_));
-    return true;
-  }
-  bool on_object_end(std::size_t count, json::error_code&) {
+  bool on_object_begin(json::error_code& error) { return begin(dictionarySize, error); }
+  bool on_object_end(std::size_t count, json::error_code& error) {
     const auto first = entries_.end() - static_cast<std::ptrdiff_t>(count);
     auto dictionary = ZLVDecoded::dictionary(
         {std::make_move_iterator(first), std::make_move_iterator(entries_.end())});
-    return endContainer(count, std::move(dictionary));
+    return endContainer(count, std::move(dictionary), error);
   }
-  bool on_array_begin(json::error_code& error) { return on_object_begin(error); }
-  bool on_array_end(std::size_t count, json::error_code&) {
+  bool on_array_begin(json::error_code& error) { return begin(sharedSize, error); }
+  bool on_array_end(std::size_t count, json::error_code& error) {
     ZLVArray array;
     array.reserve(count);
     for (auto entry = entries_.end() - static_cast<std::ptrdiff_t>(count); entry != entries_.end();
          ++entry) {
       array.push_back(std::move(entry->second));
     }
-    return endContainer(count, std::move(array));
+    return endContainer(count, std::move(array), error);
   }
 
-  bool on_key_part(json::string_view part, std::size_t, json::error_code&) {
+  bool on_key_part(json::string_view part, std::size_t length, json::error_code& error) {
+    if (!countText(part, length, error)) return false;
     key_.append(part.data(), part.size());
     return true;
   }
   bool on_key(json::string_view part, std::size_t length, json::error_code& error) {
     return on_key_part(part, length, error);
   }
-  bool on_string_part(json::string_view part, std::size_t, json::error_code&) {
+  bool on_string_part(json::string_view part, std::size_t length, json::error_code& error) {
+    if (!countText(part, length, error)) return false;
     text_.append(part.data(), part.size());
     return true;
   }
   bool on_string(json::string_view part, std::size_t length, json::error_code& error) {
-    if (text_.empty()) return add(ZLVDecoded::text(std::string_view(part.data(), part.size())));
-    return on_string_part(part, length, error) && add(ZLVDecoded::text(std::exchange(text_, {})));
+    if (!text_.empty()) {
+      return on_string_part(part, length, error) &&
+             add(ZLVDecoded::text(std::exchange(text_, {})), error);
+    }
+    return countText(part, length, error) &&
+           add(ZLVDecoded::text(std::string_view(part.data(), part.size())), error);
   }
   bool on_number_part(json::string_view, json::error_code&) { return true; }
-  bool on_int64(std::int64_t number, json::string_view, json::error_code&) { return add(number); }
-  bool on_uint64(std::uint64_t number, json::string_view, json::error_code&) { return add(number); }
+  bool on_int64(std::int64_t number, json::string_view, json::error_code& error) {
+    return add(number, error);
+  }
+  bool on_uint64(std::uint64_t number, json::string_view, json::error_code& error) {
+    return add(number, error);
+  }
   bool on_double(double number, json::string_view text, json::error_code& error) {
     // The parser rounds more than once; its number stays only where it is too large or too small.
     std::from_chars(text.data(), text.data() + text.size(), number);
-    if (std::isfinite(number)) return add(number);
+    if (std::isfinite(number)) return add(number, error);
     error = json::error::exponent_overflow;
     return false;
   }
-  bool on_bool(bool boolean, json::error_code&) { return add(boolean); }
-  bool on_null(json::error_code&) { return add(ZLVNull); }
+  bool on_bool(bool boolean, json::error_code& error) { return add(boolean, error); }
+  bool on_null(json::error_code& error) { return add(ZLVNull, error); }
   bool on_comment_part(json::string_view, json::error_code&) { return true; }
   bool on_comment(json::string_view, json::error_code&) { return true; }
 
  private:
-  bool add(ZLVValue value) {
-    entries_.emplace_back(std::exchange(key_, {}), std::move(value));
+  /// Counts memory before it is taken.
+  bool count(std::size_t size, json::error_code& error) {
+    if (size <= remaining_) {
+      remaining_ -= size;
+      return true;
+    }
+    error = tooLarge;
+    return false;
+  }
+  bool countText(json::string_view part, std::size_t length, json::error_code& error) {
+    return length <= longestFreeText || count(part.size() + sharedSize, error);
+  }
+  bool begin(std::size_t size, json::error_code& error) {
+    if (!count(size, error)) return false;
+    keys_.push_back(std::move(key_));
     return true;
   }
-  bool endContainer(std::size_t count, ZLVValue container) {
+  bool add(ZLVValue value, json::error_code& error) {
+    if (!count(entrySize, error)) return false;
+    entries_.emplace_back(std::move(key_), std::move(value));
+    key_.clear();
+    return true;
+  }
+  bool endContainer(std::size_t count, ZLVValue container, json::error_code& error) {
     entries_.resize(entries_.size() - count);
     key_ = std::move(keys_.back());
     keys_.pop_back();
-    return add(std::move(container));
+    return add(std::move(container), error);
   }
 
+  std::size_t remaining_;
   std::vector<ZLVDictionary::Entry> entries_;  // key and value; the key is empty in arrays
   std::vector<std::string> keys_;              // of the containers still open
   std::string key_;
   std::string text_;
 };
 
-ZLVError readingError(std::string_view description) {
+ZLVError readingError(std::string_view description,
+                      std::int64_t code = NSPropertyListReadCorruptError,
+                      std::string_view domain = NSCocoaErrorDomain) {
   return ZLVError::errorWithDomain(
-      NSCocoaErrorDomain, NSPropertyListReadCorruptError,
-      ZLVDictionary{{std::string(NSLocalizedDescriptionKey), description}});
+      domain, code, ZLVDictionary{{std::string(NSLocalizedDescriptionKey), description}});
 }
 
 /// Whether the character may not stand in JSON text as it is. Hardly any text has one.
@@ -195,20 +236,28 @@ class Writer {
 
 }  // namespace
 
-std::variant<ZLVValue, ZLVError> ZLVJSONSerialization::JSONObjectWithData(std::string_view data) {
+std::variant<ZLVValue, ZLVError> ZLVJSONSerialization::JSONObjectWithData(
+    std::string_view data, std::size_t maximumSize) try {
   std::size_t offset = 0;
   if (data.starts_with(byteOrderMark)) offset = byteOrderMark.size();
   if (data.size() == offset) return readingError("The answer is empty.");
 
   json::parse_options options;
   options.max_depth = maximumDepth;
-  json::basic_parser<ValueBuilder> parser(options);
+  json::basic_parser<ValueBuilder> parser(options, maximumSize);
   json::error_code error;
   offset += parser.write_some(false, data.data() + offset, data.size() - offset, error);
   if (!error && offset < data.size()) error = json::error::extra_data;
   if (!error) return parser.handler().takeValue();
+  if (error == tooLarge) {
+    return readingError("The answer is larger than allowed once it is decoded.",
+                        NSURLErrorDataLengthExceedsMaximum, NSURLErrorDomain);
+  }
   return readingError("The answer is not valid JSON: " + error.message() + " at byte " +
                       std::to_string(offset) + ".");
+} catch (const std::bad_alloc&) {
+  return readingError("There is not enough memory to decode the answer.",
+                      NSURLErrorResourceUnavailable, NSURLErrorDomain);
 }
 
 std::optional<std::string> ZLVJSONSerialization::dataWithJSONObject(const ZLVValue& value,

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstddef>
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -22,8 +24,12 @@ class ZLVJSONSerialization {
 
   /// Reads one JSON value of any kind. Strict RFC 8259 after an optional byte-order mark: UTF-8 is
   /// validated, at most 512 levels deep, of equal keys the last one stays, integers keep 64 bits
-  /// and larger ones become doubles. The error is of `NSCocoaErrorDomain` and tells the offset.
-  static std::variant<ZLVValue, ZLVError> JSONObjectWithData(std::string_view data);
+  /// and larger ones become doubles. The error is of `NSCocoaErrorDomain` and tells the offset; or
+  /// it is `NSURLErrorDataLengthExceedsMaximum`, when the value and the record made of it could
+  /// take more than `maximumSize` bytes of memory, or `NSURLErrorResourceUnavailable`, when there
+  /// is not as much.
+  static std::variant<ZLVValue, ZLVError> JSONObjectWithData(std::string_view data,
+                                                             std::size_t maximumSize = SIZE_MAX);
 
   /// Compact JSON text, or nothing where it cannot be written.
   static std::optional<std::string> dataWithJSONObject(const ZLVValue& value,

@@ -49,7 +49,8 @@ void logExchange(const ZLVURLRequest& request, const ZLVURLAnswer& answer) {
 /// What the completion gets. A status in the body overrides the one of the response.
 Judgement judge(const ZLVURLAnswer& answer) {
   if (answer.error) return *answer.error;
-  auto decoded = ZLVJSONSerialization::JSONObjectWithData(answer.data);
+  auto decoded = ZLVJSONSerialization::JSONObjectWithData(
+      answer.data, ZLVPlatform::installed("judge").maximumDecodedSize);
   const auto* value = std::get_if<ZLVValue>(&decoded);
   if (value == nullptr || value->array() != nullptr) return decoded;
   const auto* object = value->dictionary();

@@ -23,8 +23,9 @@ struct ZLVLinuxOptions {
   /// call is made; https calls fail with `NSURLErrorSecureConnectionFailed` when it cannot be read.
   std::optional<std::string> CAFile = std::nullopt;
   /// The largest answer accepted, in bytes, decompressed; a larger one fails with
-  /// `NSURLErrorDataLengthExceedsMaximum`.
-  std::size_t maximumAnswerSize = std::size_t{64} * 1024 * 1024;
+  /// `NSURLErrorDataLengthExceedsMaximum`. What it may take once it is decoded is
+  /// `ZLVPlatform::maximumDecodedSize`.
+  std::size_t maximumAnswerSize = std::size_t{8} * 1024 * 1024;
   /// Base URL of the analytics service, ending in "/", where it is not the usual one.
   std::optional<std::string> analyticsRootURL = std::nullopt;
 };
