@@ -38,7 +38,7 @@ enum NSURLError : std::int64_t {
   NSURLErrorNetworkConnectionLost = -1005,
   NSURLErrorDNSLookupFailed = -1006,
   NSURLErrorHTTPTooManyRedirects = -1007,
-  NSURLErrorResourceUnavailable = -1008,
+  NSURLErrorResourceUnavailable = -1008,  ///< This machine has not enough memory for the call.
   NSURLErrorNotConnectedToInternet = -1009,
   NSURLErrorRedirectToNonExistentLocation = -1010,
   NSURLErrorBadServerResponse = -1011,
@@ -74,7 +74,9 @@ class ZLV_EXPORT ZLVError {
   [[nodiscard]] std::string localizedDescription() const;
   /// Why it failed, in the same form; empty when the server gave no reasons.
   [[nodiscard]] std::string localizedFailureReason() const;
-  /// Domain, code, description and user info in one line, for diagnostics.
+  /// Domain, code, description and user info in one line, for diagnostics; this is what is uploaded
+  /// with usage events. At most 4 KB, cut behind that; a URL stands in it without user name,
+  /// password, query and fragment.
   [[nodiscard]] std::string debugDescription() const;
 
   /// Whether the server may have carried out the request although the call ended in this error:

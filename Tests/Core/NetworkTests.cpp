@@ -150,6 +150,12 @@ TEST_F(Network, JudgesAnswers) {
   }
 }
 
+TEST_F(Network, RefusesWhatTakesTooMuchMemory) {
+  std::string arrays = "[[]";
+  while (arrays.size() < 2'000'000) arrays += ",[]";
+  EXPECT_NE(outcome(200, arrays + "]").find("NSURLErrorDomain Code=-1103"), std::string::npos);
+}
+
 TEST_F(Network, AnswersOnceWhateverTheSessionDoes) {
   const auto lost =
       ZLVError::errorWithDomain(NSURLErrorDomain, NSURLErrorNetworkConnectionLost, {});

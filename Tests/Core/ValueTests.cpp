@@ -38,6 +38,12 @@ std::string readingFailure(std::string_view text) {
   return error->localizedDescription();
 }
 
+std::string repeated(const std::string& text, std::size_t size) {
+  std::string all;
+  while (all.size() < size) all += text;
+  return all;
+}
+
 std::string nested(std::size_t depth) { return std::string(depth, '[') + std::string(depth, ']'); }
 
 // What would dangle must not compile: `Value` stands for a name (`const ZLVValue&`) or a temporary.
@@ -181,6 +187,35 @@ TEST(JSON, RefusesWhatIsNot) {
                                  std::string(100'000, '[')};
   for (const auto& text : invalid) EXPECT_NE(readingFailure(text), "") << text.substr(0, 20);
   EXPECT_NE(readingFailure("[1,]").find("at byte 3"), std::string::npos) << readingFailure("[1,]");
+}
+
+TEST(JSON, StaysWithinItsBudget) {
+  const auto budget = ZLVPlatform().maximumDecodedSize;
+  const std::string tooLarge[] = {"[" + repeated("[],", 8'000'000),
+                                  "[" + repeated("{},", 8'000'000),
+                                  "[" + repeated("0,", 8'000'000),
+                                  "[" + repeated("\"\",", 8'000'000),
+                                  "[\"" + std::string(budget, 'x'),
+                                  "[{\"" + std::string(budget, 'x'),
+                                  "[\"" + repeated("\\n", 2 * budget) + repeated("x", 10),
+                                  "[" + repeated('"' + std::string(1000, 'x') + "\",", budget)};
+  for (const auto& text : tooLarge) {
+    // What stands behind is not even looked at.
+    const auto result = JSON::JSONObjectWithData(text + "!", budget);
+    ASSERT_TRUE(std::holds_alternative<ZLVError>(result));
+    const auto& error = std::get<ZLVError>(result);
+    EXPECT_EQ(error.domain(), NSURLErrorDomain) << text.substr(0, 10);
+    EXPECT_EQ(error.code(), NSURLErrorDataLengthExceedsMaximum);
+  }
+  std::string options = R"({"metadata":{"payment_options":[{})";
+  for (int i = 0; i < 10'000; ++i) {
+    options +=
+        R"(,{"name":"PAY_LATER","active":true,"balance":{"value":"350000.00","currency":"EUR"},)"
+        R"("metadata":{"min_limit":"10000","tier":1},)"
+        R"("token":"eyJ0eXBlIjogIlpPTFZBX1dBTExFVCIsICJpZCI6ICIifQ=="})";
+  }
+  const auto account = JSON::JSONObjectWithData(options + "]}}", budget);
+  EXPECT_TRUE(std::holds_alternative<ZLVValue>(account));
 }
 
 TEST(JSON, WritesCompactTextOrNothing) {
@@ -331,6 +366,40 @@ TEST(Text, BytesBecomeUTF8) {
     dictionary.set(bytes, 2);
     EXPECT_EQ(dictionary, (ZLVDictionary{{text, 2}}));
     EXPECT_EQ(dictionary[bytes], ZLVValue(2));
+  }
+}
+
+TEST(Error, DiagnosisIsShortAndKeepsSecrets) {
+  const auto diagnosis = [](std::string_view key, const ZLVValue& value) {
+    const auto error = ZLVError::errorWithDomain(ZLVErrorDomain, 1, {{std::string(key), value}});
+    EXPECT_EQ(error.userInfo()[key], value);
+    return error.debugDescription();
+  };
+  // Cut at each of the three bytes of a character.
+  for (const std::string start : {"", "1", "12"}) {
+    for (const auto key : {NSLocalizedDescriptionKey, NSLocalizedFailureReasonErrorKey}) {
+      const auto message = start + repeated("\u20ac", 1'000'000);
+      const auto text = diagnosis(key, message);
+      EXPECT_LE(text.size(), 4096U);
+      EXPECT_GT(text.size(), 4090U);
+      ASSERT_TRUE(text.ends_with("\u20ac\u2026 (cut)"));
+      const auto shown = text.substr(text.find(start + "\u20ac"));
+      EXPECT_TRUE(message.starts_with(shown.substr(0, shown.find("\u2026"))));
+    }
+  }
+  const auto longest = std::string(4096 - diagnosis("k", "").size(), 'x');
+  EXPECT_TRUE(diagnosis("k", longest).ends_with("xx\"}"));
+  EXPECT_TRUE(diagnosis("k", longest + "x").ends_with("xx\u2026 (cut)"));
+
+  const std::pair<const char*, const char*> urls[] = {
+      {"https://me:p@ss@shop.test:1/a@b?token=/c#d", "\"https://shop.test:1/a@b\""},
+      {"https://me@shop.test?token", "\"https://shop.test\""},
+      {"https://shop.test#token", "\"https://shop.test\""},
+      {"app://done?token", "\"app://done\""},
+      {"mailto:a@b.c?body", "\"mailto:a@b.c\""}};
+  for (const auto& [url, shown] : urls) {
+    const auto text = diagnosis(NSURLErrorFailingURLStringErrorKey, url);
+    EXPECT_NE(text.find(shown), std::string::npos) << text;
   }
 }
 

@@ -1,11 +1,13 @@
 // The parts of the platform that face the host: main queue, console, log, and their assembly.
 
+#include <algorithm>
 #include <csignal>
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
 #include <memory>
 #include <numeric>
+#include <regex>
 #include <set>
 #include <stdexcept>
 #include <string>
@@ -14,10 +16,13 @@
 
 #include <gtest/gtest.h>
 #include <poll.h>
+#include <sys/socket.h>
 #include <sys/stat.h>
+#include <sys/un.h>
 #include <syslog.h>
 #include <unistd.h>
 
+#include <ZolvaCheckoutKit/Platform/Linux/Internal/ZLVSyslog.h>
 #include <ZolvaCheckoutKit/Platform/Linux/ZLVConsoleUserInterface.h>
 #include <ZolvaCheckoutKit/Platform/Linux/ZLVLinuxMainQueue.h>
 #include <ZolvaCheckoutKit/Platform/Linux/ZLVLinuxPlatform.h>
@@ -193,10 +198,94 @@ TEST(LinuxPlatform, IsMadeOfAllItsParts) {
   EXPECT_EQ(platform.analyticsRootURL, "http://a/");
   EXPECT_NE(platform.userInterface->keyWindowRootViewController(), nullptr);
 
-  openlog("host", LOG_PERROR, LOG_USER);
-  testing::internal::CaptureStderr();
-  platform.systemLog->log("100 %s of it");
-  EXPECT_EQ(testing::internal::GetCapturedStderr(), "host: 100 %s of it\n");
+  EXPECT_NE(platform.systemLog, nullptr);
+}
+
+/// A syslog daemon that is there and reads only when it is told to.
+class Daemon {
+ public:
+  Daemon() {
+    sockaddr_un address{};
+    address.sun_family = AF_UNIX;
+    path.copy(address.sun_path, sizeof address.sun_path - 1);
+    EXPECT_EQ(bind(socket_, reinterpret_cast<const sockaddr*>(&address), sizeof address), 0);
+  }
+  Daemon(const Daemon&) = delete;
+  Daemon& operator=(const Daemon&) = delete;
+  ~Daemon() {
+    close(socket_);
+    std::filesystem::remove(path);
+  }
+
+  /// The next line, or nothing.
+  [[nodiscard]] std::string read() const {
+    std::string line(1'000'000, '\0');
+    const auto size = recv(socket_, line.data(), line.size(), MSG_DONTWAIT);
+    line.resize(size < 0 ? 0 : static_cast<std::size_t>(size));
+    return line;
+  }
+  /// The same behind priority, time and name.
+  [[nodiscard]] std::string readText() const {
+    const auto line = read();
+    return line.substr(std::min(line.find(": ") + 2, line.size()));
+  }
+
+  const std::string path =
+      std::filesystem::temp_directory_path() / ("zolva-log-" + std::to_string(getpid()));
+
+ private:
+  const int socket_ = socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC, 0);
+};
+
+TEST(Syslog, WritesLinesWhole) {
+  const Daemon daemon;
+  ZLVSyslog log(daemon.path);
+  log.log("100 %s of it");
+  const auto line = daemon.read();
+  EXPECT_TRUE(std::regex_match(
+      line, std::regex("<14>[A-Z][a-z]{2} [ 1-3][0-9] [0-9:]{8} LinuxTests: 100 %s of it")))
+      << line;
+
+  log.log(std::string_view("a\nb\r\0c", 6));
+  EXPECT_EQ(daemon.readText(), "a b  c");
+
+  std::string large;
+  while (large.size() < 1'000'000) large += "\u20ac";
+  log.log(large);
+  auto text = daemon.readText();
+  EXPECT_GT(text.size(), 60'000U);
+  ASSERT_TRUE(text.ends_with("\u20ac\u2026 (cut)"));
+  EXPECT_TRUE(large.starts_with(text.substr(0, text.find("\u2026"))));
+
+  const auto mask = setlogmask(LOG_UPTO(LOG_NOTICE));
+  log.log("masked");
+  setlogmask(mask);
+  EXPECT_EQ(daemon.read(), "");
+}
+
+TEST(Syslog, DropsAndCountsWhatTheDaemonDoesNotTake) {
+  auto daemon = std::make_unique<Daemon>();
+  ZLVSyslog log(daemon->path);
+  constexpr int lines = 10'000;
+  for (int i = 0; i < lines; ++i) log.log("line " + std::to_string(i));
+  int taken = 0;
+  for (std::string text; !(text = daemon->readText()).empty(); ++taken) {
+    EXPECT_EQ(text, "line " + std::to_string(taken));
+  }
+  EXPECT_GT(taken, 0);
+  const std::string note = "lines dropped before this one: ";
+  log.log("on");
+  EXPECT_EQ(daemon->readText(), note + std::to_string(lines - taken));
+  EXPECT_EQ(daemon->readText(), "on");
+
+  daemon.reset();
+  log.log("nobody is there");
+  daemon = std::make_unique<Daemon>();
+  log.log("on");
+  EXPECT_EQ(daemon->readText(), note + "1");
+  EXPECT_EQ(daemon->readText(), "on");
+  log.log("on");
+  EXPECT_EQ(daemon->readText(), "on");
 }
 
 }  // namespace

@@ -1,19 +1,42 @@
-// What a session keeps and ends: cookies, proxies, its thread, and calls under way.
+// What a session keeps, needs and ends: cookies, proxies, memory, its thread, calls under way.
 
+#include <algorithm>
+#include <atomic>
 #include <csignal>
 #include <cstdlib>
+#include <cstring>
 #include <filesystem>
 #include <fstream>
+#include <iostream>
 #include <list>
+#include <new>
 #include <thread>
 #include <vector>
 
+#include <curl/curl.h>
 #include <gtest/gtest.h>
 
 #include "Tests/Linux/SessionFixture.h"
+#include "ZolvaCheckoutKit/Core/Helpers/ZLVJSONSerialization.h"
 
 using Reply = RawServer::Reply;
 using Then = RawServer::Then;
+
+namespace {
+
+/// No more memory is to be had at once.
+std::atomic<std::size_t> largestPiece = SIZE_MAX;
+
+}  // namespace
+
+void* operator new(std::size_t size) {
+  if (size <= largestPiece) {
+    if (void* const memory = std::malloc(size)) return memory;
+  }
+  throw std::bad_alloc();
+}
+void operator delete(void* memory) noexcept { std::free(memory); }
+void operator delete(void* memory, std::size_t /*size*/) noexcept { std::free(memory); }
 
 namespace {
 
@@ -27,6 +50,40 @@ TEST(SessionLife, KeepsCookiesToItself) {
   EXPECT_EQ(requests[0].find("Cookie"), std::string::npos);
   EXPECT_NE(requests[1].find("Cookie: id=42\r\n"), std::string::npos);
   EXPECT_EQ(requests[2].find("Cookie"), std::string::npos);
+}
+
+TEST(SessionLife, KeepsTheNewestCookiesOfMany) {
+  int answers = 0;
+  std::size_t size = 1;
+  RawServer server([&](auto&) {
+    std::string cookies;
+    for (int i = 0; i < 40; ++i) {
+      const auto number = std::to_string(1000 + 40 * answers + i);
+      cookies.append("Set-Cookie: c" + number + "=").append(size, 'x').append("\r\n");
+    }
+    ++answers;
+    // Calls that fail have their cookies, too.
+    return answers % 2 != 0 ? Reply{RawServer::response("{}", "200 OK", cookies)}
+                            : Reply{"HTTP/1.1 200 OK\r\n" + cookies, Then::Stall};
+  });
+  const auto session = makeSession();
+  const auto sendMany = [&] {
+    for (int i = 0; i < 20; ++i) {
+      auto sent = request(server.url());
+      if (i % 2 != 0) sent.timeoutInterval = 0.05;
+      call(*session, sent);
+    }
+    call(*session, request(server.url()));
+    const auto wire = server.requests().back();
+    return wire.substr(wire.find("Cookie: "));
+  };
+  // Of 800. libcurl sends 150 at most, or 8 KB of them, the oldest first.
+  const auto small = sendMany();
+  EXPECT_EQ(std::ranges::count(small, '='), 100) << small;
+  EXPECT_TRUE(small.starts_with("Cookie: c1700=")) << small;
+  EXPECT_NE(small.find("c1799="), small.npos);
+  size = 2000;
+  EXPECT_GT(sendMany().substr(0, 13), "Cookie: c2605");  // the last of 21 times 40 is c2639
 }
 
 TEST(SessionLife, UsesTheProxyOfTheEnvironmentButNotForLoopback) {
@@ -83,6 +140,46 @@ TEST(SessionLife, ServesManyCallersAtOnce) {
     });
   }
   for (auto& caller : callers) caller.join();
+}
+
+bool isCurlShort = false;
+
+/// What libcurl allocates its handles by.
+void* allocateCleared(std::size_t count, std::size_t size) {
+  return isCurlShort && count * size > 4096 ? nullptr : calloc(count, size);
+}
+
+/// Calls and decodes with too little memory, and with enough again.
+void runShort() {
+  curl_global_init_mem(CURL_GLOBAL_DEFAULT, &malloc, &free, &realloc, &strdup, &allocateCleared);
+  {
+    RawServer server([](const std::string& request) {
+      return request.starts_with("GET /endless")
+                 ? Reply{"HTTP/1.1 200 OK\r\n\r\n", {}, std::string(10'000, ' ')}
+                 : Reply{RawServer::response("{}")};
+    });
+    const auto session = makeSession();
+    const auto tell = [&](const std::string& path) {
+      std::cerr << code(call(*session, request(server.url(path)))) << ' ';
+    };
+    tell("/");
+    isCurlShort = true;
+    tell("/");
+    isCurlShort = false;
+    largestPiece = 1'000'000;
+    tell("/endless");
+    std::string array = "[0";
+    while (array.size() < 100'000) array += ",0";
+    const auto decoded = ZLVJSONSerialization::JSONObjectWithData(array + ']');
+    std::cerr << std::get<ZLVError>(decoded).code() << ' ';
+    tell("/");
+  }
+  std::exit(0);
+}
+
+TEST(SessionLifeDeathTest, TellsThatMemoryIsShort) {
+  GTEST_FLAG_SET(death_test_style, "threadsafe");
+  EXPECT_EXIT(runShort(), testing::ExitedWithCode(0), "0 -1008 -1008 -1008 0 ");
 }
 
 /// Waits, last of all when the process exits, for the sessions' threads to be gone.

@@ -169,7 +169,8 @@ constexpr bool needsCare(char character) {
 
 class Writer {
  public:
-  explicit Writer(ZLVJSONSerialization::Unwritable unwritable) : unwritable_(unwritable) {}
+  Writer(ZLVJSONSerialization::Unwritable unwritable, std::size_t lookedAt)
+      : unwritable_(unwritable), lookedAt_(lookedAt) {}
 
   std::string takeText() { return std::move(text_); }
 
@@ -210,6 +211,7 @@ class Writer {
     return unwritable_ == ZLVJSONSerialization::Unwritable::Describe && put("null");
   }
   bool writeText(std::string_view value) {  // which is UTF-8, like every text
+    value = ZLVBeginning(value, lookedAt_);
     if (std::ranges::none_of(value, needsCare)) return put("\"") && put(value) && put("\"");
     return put(json::serialize(json::string_view(value.data(), value.size())));
   }
@@ -223,6 +225,7 @@ class Writer {
     text_ += open;
     bool isFirst = true;
     for (const auto& item : list) {
+      if (text_.size() >= lookedAt_) break;
       if (!std::exchange(isFirst, false)) text_ += ',';
       if (!writeItem(item)) return false;
     }
@@ -231,6 +234,7 @@ class Writer {
   }
 
   ZLVJSONSerialization::Unwritable unwritable_;
+  std::size_t lookedAt_;
   std::string text_;
 };
 
@@ -261,8 +265,9 @@ std::variant<ZLVValue, ZLVError> ZLVJSONSerialization::JSONObjectWithData(
 }
 
 std::optional<std::string> ZLVJSONSerialization::dataWithJSONObject(const ZLVValue& value,
-                                                                    Unwritable unwritable) {
-  Writer writer(unwritable);
+                                                                    Unwritable unwritable,
+                                                                    std::size_t lookedAt) {
+  Writer writer(unwritable, lookedAt);
   if (!writer.write(value)) return std::nullopt;
   return writer.takeText();
 }

@@ -31,9 +31,11 @@ class ZLVJSONSerialization {
   static std::variant<ZLVValue, ZLVError> JSONObjectWithData(std::string_view data,
                                                              std::size_t maximumSize = SIZE_MAX);
 
-  /// Compact JSON text, or nothing where it cannot be written.
+  /// Compact JSON text, or nothing where it cannot be written. Only its first `lookedAt` bytes need
+  /// be right: what comes behind may be left out.
   static std::optional<std::string> dataWithJSONObject(const ZLVValue& value,
-                                                       Unwritable unwritable = Unwritable::Refuse);
+                                                       Unwritable unwritable = Unwritable::Refuse,
+                                                       std::size_t lookedAt = SIZE_MAX);
 
   /// The reading error of an answer that is JSON but not an object.
   static ZLVError notAnObjectError();

@@ -21,6 +21,12 @@ std::string ZLVStringWithFormat(std::string_view format,
   return text += format;
 }
 
+std::string_view ZLVBeginning(std::string_view text, std::size_t size) noexcept {
+  if (text.size() <= size) return text;
+  while (size > 0 && (static_cast<std::uint8_t>(text[size]) & 0xC0) == 0x80) --size;
+  return text.substr(0, size);
+}
+
 namespace {
 
 struct Sequence {

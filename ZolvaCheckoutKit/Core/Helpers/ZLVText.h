@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <initializer_list>
 #include <optional>
 #include <string>
@@ -12,6 +13,9 @@ inline constexpr std::string_view ZLVMissingObjectText = "(null)";
 /// one too many is not printed.
 std::string ZLVStringWithFormat(std::string_view format,
                                 std::initializer_list<std::optional<std::string_view>> arguments);
+
+/// As much of the UTF-8 text as has its place in `size` bytes, without a broken character.
+std::string_view ZLVBeginning(std::string_view text, std::size_t size) noexcept;
 
 /// Whether the bytes are UTF-8 as RFC 3629 has it: no overlong forms, no surrogates.
 bool ZLVIsUTF8(std::string_view bytes) noexcept;

@@ -30,8 +30,8 @@ struct ZLVLinuxOptions {
   std::optional<std::string> analyticsRootURL = std::nullopt;
 };
 
-/// The backend for Linux: HTTP by libcurl, a queue that the host's main thread runs, syslog(3), and
-/// a user interface for the console.
+/// The backend for Linux: HTTP by libcurl, a queue that the host's main thread runs, the syslog
+/// daemon, and a user interface for the console.
 ///
 /// ```cpp
 /// ZLVPlatform::install(ZLVLinuxPlatform::platformWithOptions(

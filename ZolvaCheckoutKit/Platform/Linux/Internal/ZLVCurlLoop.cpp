@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <csignal>
+#include <cstring>
 #include <new>
 #include <utility>
 
@@ -9,6 +10,38 @@
 #include <ZolvaCheckoutKit/Platform/Linux/Internal/ZLVCurlLoops.h>
 
 namespace {
+
+/// libcurl itself keeps any number of cookies, and looks at all of a server's for each call.
+constexpr std::size_t maximumCookies = 100;
+constexpr std::size_t maximumCookieSize = std::size_t{64} * 1024;  // of all together
+
+/// Keeps the session's cookies within these limits once an answer has set any: those go first that
+/// libcurl lists first, which are the oldest of their server.
+void limitCookies(CURL* handle) {
+  constexpr unsigned int anywhere = CURLH_HEADER | CURLH_TRAILER | CURLH_1XX;
+  curl_header* set = nullptr;
+  if (curl_easy_header(handle, "Set-Cookie", 0, anywhere, -1, &set) != CURLHE_OK) return;
+
+  curl_slist* list = nullptr;
+  curl_easy_getinfo(handle, CURLINFO_COOKIELIST, &list);
+  const std::unique_ptr<curl_slist, ZLVCurlTransfer::Cleanup> owner(list);
+  std::size_t count = 0;
+  std::size_t size = 0;
+  for (const auto* cookie = list; cookie != nullptr; cookie = cookie->next) {
+    ++count;
+    size += std::strlen(cookie->data);
+  }
+  if (count <= maximumCookies && size <= maximumCookieSize) return;
+  curl_easy_setopt(handle, CURLOPT_COOKIELIST, "ALL");
+  for (const auto* cookie = list; cookie != nullptr; cookie = cookie->next) {
+    if (count <= maximumCookies && size <= maximumCookieSize) {
+      curl_easy_setopt(handle, CURLOPT_COOKIELIST, cookie->data);
+    } else {
+      --count;
+      size -= std::strlen(cookie->data);
+    }
+  }
+}
 
 /// The host's signal handlers run on the host's threads, and a broken connection does not end the
 /// process by SIGPIPE. What the thread itself does wrong is still reported.
@@ -144,6 +177,7 @@ void ZLVCurlLoop::takeDone() {
     CURL* handle = message->easy_handle;
     const CURLcode result = message->data.result;  // NOLINT(*-union-access): libcurl's
     curl_multi_remove_handle(multi_, handle);
+    limitCookies(handle);
     auto transfer = std::move(transfers_.extract(handle).mapped());
     if (transfer->continueAfter(result)) {
       take(std::move(transfer));
@@ -170,6 +204,7 @@ void ZLVCurlLoop::failIdle() {
 
 void ZLVCurlLoop::fail(CURL* handle, NSURLError code) {
   curl_multi_remove_handle(multi_, handle);
+  limitCookies(handle);
   const auto transfer = std::move(transfers_.extract(handle).mapped());
   transfer->fail(code);
   transfer->complete();

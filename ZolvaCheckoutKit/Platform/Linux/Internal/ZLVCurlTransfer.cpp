@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <iterator>
+#include <new>
 #include <utility>
 #include <variant>
 
@@ -68,7 +69,12 @@ struct ZLVCurlTransfer::Callbacks {
     std::string& data = transfer.answer_.data;
     transfer.isTooLarge_ = size > transfer.configuration_->maximumAnswerSize - data.size();
     if (transfer.isTooLarge_) return 0;
-    data.append(bytes, size);
+    try {
+      data.append(bytes, size);
+    } catch (const std::bad_alloc&) {  // libcurl is C, and nothing may pass through it
+      transfer.isOutOfMemory_ = true;
+      return 0;
+    }
     return size;
   }
 
@@ -258,7 +264,12 @@ void ZLVCurlTransfer::addLine(const std::string& text) {
 }
 
 void ZLVCurlTransfer::conclude(CURLcode result) {
-  if (isTooLarge_) return fail(NSURLErrorDataLengthExceedsMaximum);
+  // libcurl has no other word for a header line without end.
+  const bool isHeaderAwaited = isSent_ && !isHeaderWhole_;
+  if (isTooLarge_ || (result == CURLE_OUT_OF_MEMORY && isHeaderAwaited)) {
+    return fail(NSURLErrorDataLengthExceedsMaximum);
+  }
+  if (isOutOfMemory_) return fail(NSURLErrorResourceUnavailable);
   // libcurl takes a header that breaks off between two lines for a whole one.
   if (result == CURLE_OK && !isHeaderWhole_) return fail(NSURLErrorNetworkConnectionLost);
   if (result == CURLE_OK) {

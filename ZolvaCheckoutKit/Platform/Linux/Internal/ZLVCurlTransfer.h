@@ -87,6 +87,7 @@ class ZLVCurlTransfer {
   bool isSent_ = false;  // this hop
   bool isLost_ = false;  // libcurl wanted to send this hop again
   bool isTooLarge_ = false;
+  bool isOutOfMemory_ = false;
   bool isHeaderWhole_ = false;
   std::size_t headerSize_ = 0;
   std::array<char, CURL_ERROR_SIZE> message_{};

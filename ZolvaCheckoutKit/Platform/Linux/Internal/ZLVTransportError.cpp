@@ -26,6 +26,7 @@ constexpr auto descriptions = std::to_array<Description>({
      "The connection to % was lost before its answer was complete. It may have carried out the "
      "request all the same."},
     {NSURLErrorHTTPTooManyRedirects, "% redirected the request too many times."},
+    {NSURLErrorResourceUnavailable, "There is not enough memory for the call to %."},
     {NSURLErrorNotConnectedToInternet, "% cannot be reached: there is no network connection."},
     {NSURLErrorRedirectToNonExistentLocation,
      "% redirected the request to something that is no URL."},
@@ -75,7 +76,7 @@ constexpr auto meanings = std::to_array<Meaning>({
     {CURLE_WEIRD_SERVER_REPLY, any, NSURLErrorBadServerResponse},
     {CURLE_HTTP2, any, NSURLErrorNetworkConnectionLost},
     {CURLE_HTTP2_STREAM, any, NSURLErrorNetworkConnectionLost},
-    {CURLE_OUT_OF_MEMORY, any, NSURLErrorDataLengthExceedsMaximum},  // a header line without end
+    {CURLE_OUT_OF_MEMORY, any, NSURLErrorResourceUnavailable},
     {CURLE_PARTIAL_FILE, any, NSURLErrorNetworkConnectionLost},
     {CURLE_GOT_NOTHING, any, NSURLErrorNetworkConnectionLost},
     {CURLE_SEND_ERROR, any, NSURLErrorNetworkConnectionLost},
