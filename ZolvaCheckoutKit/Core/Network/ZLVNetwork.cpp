@@ -50,7 +50,7 @@ void logExchange(const ZLVURLRequest& request, const ZLVURLAnswer& answer) {
 Judgement judge(const ZLVURLAnswer& answer) {
   if (answer.error) return *answer.error;
   auto decoded = ZLVJSONSerialization::JSONObjectWithData(
-      answer.data, ZLVPlatform::installed("judge").maximumDecodedSize);
+      answer.data, ZLVPlatform::installed().maximumDecodedSize);
   const auto* value = std::get_if<ZLVValue>(&decoded);
   if (value == nullptr || value->array() != nullptr) return decoded;
   const auto* object = value->dictionary();

@@ -45,7 +45,7 @@ void ZLVSyslog::log(std::string_view line) try {
 
 bool ZLVSyslog::send(std::string_view line) const {
   auto text = head();
-  text += line;
+  text += line.substr(0, maximumSize);
   if (text.size() > maximumSize) {
     auto end = maximumSize - cutMark.size();
     while ((static_cast<unsigned char>(text[end]) & 0xC0) == 0x80) --end;  // not in a character
@@ -60,8 +60,9 @@ bool ZLVSyslog::send(std::string_view line) const {
   socket_.copy(address.sun_path, sizeof address.sun_path - 1);
   // A socket for each line needs no repair when the daemon starts again.
   const int descriptor = socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0);
-  const auto sent = sendto(descriptor, text.data(), text.size(), MSG_NOSIGNAL,
-                           reinterpret_cast<const sockaddr*>(&address), sizeof address);
+  const auto* name = reinterpret_cast<const sockaddr*>(&address);  // NOLINT(*-reinterpret-cast)
+  const auto sent =
+      sendto(descriptor, text.data(), text.size(), MSG_NOSIGNAL, name, sizeof address);
   if (descriptor >= 0) close(descriptor);
   return sent >= 0;
 }

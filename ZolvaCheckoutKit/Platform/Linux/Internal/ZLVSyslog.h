@@ -3,6 +3,7 @@
 #include <atomic>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include <ZolvaCheckoutKit/Platform/ZLVSystemLog.h>
 
