@@ -23,6 +23,7 @@ using boost::ulong_long_type;
 #undef boost
 
 #include <ZolvaCheckoutKit/Core/Helpers/ZLVDecoded.h>
+#include <ZolvaCheckoutKit/Core/Helpers/ZLVText.h>
 #include <ZolvaCheckoutKit/ZLVMappable.h>
 
 namespace {
