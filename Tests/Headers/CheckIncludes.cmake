@@ -8,7 +8,8 @@ cmake_minimum_required(VERSION 3.25)
 set(standard "[a-z_]+")        # C++ headers have no suffix; those of C and of the system do
 set(foreign "[a-z].*|CLI/.*")  # anything of the system and of other projects
 set(boost "boost/.*")
-set(values "ZolvaCheckoutKit/ZLV(Error|Export|Mappable|OptionalText|URL|Value|Version)\\.h")
+set(values "ZolvaCheckoutKit/ZLV(Error|Export|Mappable|OptionalText|URL|Value)\\.h")
+set(version "ZolvaCheckoutKit/ZLVVersion\\.h")  # what the library does depends on no release
 set(records "ZolvaCheckoutKit/ZLV([A-Za-z]+Records|Vendor)\\.h")
 set(facade "ZolvaCheckoutKit/(ZLVClient|ZolvaCheckoutKit)\\.h")
 set(core "ZolvaCheckoutKit/Core/(Analytics|Checkout|Helpers|Models|Network)/[A-Za-z_]+\\.h")
@@ -54,7 +55,7 @@ file(GLOB_RECURSE all RELATIVE ${ROOT}
      ${ROOT}/ZolvaCheckoutKit/*.h ${ROOT}/ZolvaCheckoutKit/*.cpp
      ${ROOT}/Sandbox/*.h ${ROOT}/Sandbox/*.cpp ${ROOT}/Apps/*.h ${ROOT}/Apps/*.cpp)
 
-may_include("ZolvaCheckoutKit/ZolvaCheckoutKit\\.h" values records facade ports)
+may_include("ZolvaCheckoutKit/ZolvaCheckoutKit\\.h" values version records facade ports)
 may_include("ZolvaCheckoutKit/[A-Za-z]+\\.h" standard values records)
 may_include("ZolvaCheckoutKit/Core/Client/.*" standard values records facade core ports)
 may_include("ZolvaCheckoutKit/Core/Helpers/ZLVJSONSerialization\\.cpp" standard values core boost)

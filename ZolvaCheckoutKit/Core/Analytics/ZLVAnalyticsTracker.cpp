@@ -6,12 +6,13 @@
 #include <ZolvaCheckoutKit/Core/Network/ZLVNetwork.h>
 #include <ZolvaCheckoutKit/Platform/ZLVPlatform.h>
 #include <ZolvaCheckoutKit/ZLVVendor.h>
-#include <ZolvaCheckoutKit/ZLVVersion.h>
 
 namespace {
 
 constexpr std::string_view defaultRootURL = "https://api.clevertap.com/";
 constexpr std::string_view uploadPath = "1/upload";
+/// What the service knows this library as, in every release.
+constexpr std::string_view sdkVersion = "0.1.1";
 
 /// `value`, which the call cannot do without.
 ZLVValue required(ZLVValue value, std::string_view what, std::string_view call) {
@@ -40,7 +41,7 @@ ZLVValue osVersion(std::string_view call) {
 
 ZLVDictionary deviceFacts(std::string_view call) {
   return {{"app version", applicationVersion(call)},
-          {"sdk version", ZLV_VERSION},
+          {"sdk version", sdkVersion},
           {"device name", deviceName(call)},
           {"device model", ZLVDeviceHelper::deviceModel()},
           {"OS", "iOS"},
