@@ -21,28 +21,16 @@ utsname kernelNames() {
   return names;
 }
 
-std::string machineModel(const std::filesystem::path& root) {
-  for (const char* file : {"sys/class/dmi/id/product_name", "proc/device-tree/model"}) {
-    if (auto model = ZLVSystemFile::firstLine(root / file)) return *model;
-  }
-  return kernelNames().machine;
-}
-
-std::string versionOfSystem(const std::filesystem::path& root) {
-  for (const char* file : {"etc/os-release", "usr/lib/os-release"}) {
-    if (auto version = ZLVSystemFile::setting(root / file, "VERSION_ID")) return *version;
-  }
-  return kernelNames().release;
-}
-
 }  // namespace
 
 ZLVLinuxDevice::ZLVLinuxDevice(ZLVLinuxApplication application, std::filesystem::path root)
     : application_(std::move(application)),
       root_(std::move(root)),
-      machineInfo_(root_ / "etc/machine-info"),
-      machine_(machineModel(root_)),
-      systemVersion_(versionOfSystem(root_)) {}
+      productName_(root_ / "sys/class/dmi/id/product_name"),
+      boardModel_(root_ / "proc/device-tree/model"),
+      prettyHostname_(root_ / "etc/machine-info", "PRETTY_HOSTNAME"),
+      versionByAdministrator_(root_ / "etc/os-release", "VERSION_ID"),
+      versionByVendor_(root_ / "usr/lib/os-release", "VERSION_ID") {}
 
 std::optional<std::string> ZLVLinuxDevice::identifierForVendor() const {
   for (const char* file : {"etc/machine-id", "var/lib/dbus/machine-id"}) {
@@ -70,14 +58,22 @@ std::vector<std::string> ZLVLinuxDevice::preferredLanguages() const {
   return ZLVSystemLanguages::preferred();
 }
 
-std::optional<std::string> ZLVLinuxDevice::machine() const { return machine_; }
+std::optional<std::string> ZLVLinuxDevice::machine() const {
+  if (auto name = productName_.value()) return name;
+  if (auto model = boardModel_.value()) return model;
+  return kernelNames().machine;
+}
 
 std::optional<std::string> ZLVLinuxDevice::name() const {
-  if (auto name = ZLVSystemFile::setting(machineInfo_, "PRETTY_HOSTNAME")) return name;
+  if (auto name = prettyHostname_.value()) return name;
   return kernelNames().nodename;
 }
 
-std::optional<std::string> ZLVLinuxDevice::systemVersion() const { return systemVersion_; }
+std::optional<std::string> ZLVLinuxDevice::systemVersion() const {
+  if (auto version = versionByAdministrator_.value()) return version;
+  if (auto version = versionByVendor_.value()) return version;
+  return kernelNames().release;
+}
 
 std::optional<ZLVDevice::Threads> ZLVLinuxDevice::threads() const {
   const auto earlier = ZLVThreadClocks::read();

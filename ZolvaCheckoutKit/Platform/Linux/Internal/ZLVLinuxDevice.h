@@ -2,6 +2,7 @@
 
 #include <filesystem>
 
+#include <ZolvaCheckoutKit/Platform/Linux/Internal/ZLVSystemFact.h>
 #include <ZolvaCheckoutKit/Platform/ZLVDevice.h>
 
 /// The application as its host describes it.
@@ -12,7 +13,7 @@ struct ZLVLinuxApplication {
 };
 
 /// Facts from the files in which a Linux system keeps them, from the kernel, and from the
-/// environment. What stays as it is until the next start is read once.
+/// environment, as they are at each call.
 class ZLVLinuxDevice final : public ZLVDevice {
  public:
   /// `root` is where the system's files are looked for.
@@ -32,7 +33,9 @@ class ZLVLinuxDevice final : public ZLVDevice {
  private:
   ZLVLinuxApplication application_;
   std::filesystem::path root_;
-  std::filesystem::path machineInfo_;
-  std::string machine_;
-  std::string systemVersion_;
+  ZLVSystemFact productName_;
+  ZLVSystemFact boardModel_;
+  ZLVSystemFact prettyHostname_;
+  ZLVSystemFact versionByAdministrator_;
+  ZLVSystemFact versionByVendor_;
 };
