@@ -47,6 +47,8 @@ std::shared_ptr<ZLVViewController> ZLVViewController::removeLastChildViewControl
   return child;
 }
 
+ZLVExactClass ZLVNavigationController::exactClass() const noexcept { return ownClass; }
+
 void ZLVNavigationController::pushViewController(std::shared_ptr<ZLVViewController> controller) {
   addChildViewController(std::move(controller));
 }

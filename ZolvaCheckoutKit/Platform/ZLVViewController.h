@@ -10,6 +10,19 @@
 /// How a presented view controller covers the one below.
 enum class ZLVModalPresentationStyle : std::int64_t { FullScreen = 0, PageSheet = 1 };
 
+/// The classes that the library tells from their subclasses.
+enum class ZLVExactClass : std::uint8_t { Other, NavigationController, WebViewController };
+
+/// Holds which of these classes an object is of. To be a virtual base: such a base is made by the
+/// object's own class alone, so a subclass that says nothing is of none of them. That holds without
+/// run-time type information, which a host may have turned off.
+struct ZLV_EXPORT ZLVExactClassBase {
+  ZLVExactClassBase() noexcept = default;
+  explicit ZLVExactClassBase(ZLVExactClass name) noexcept : ownClass(name) {}
+
+  const ZLVExactClass ownClass = ZLVExactClass::Other;
+};
+
 /// A node in the tree of what the application shows. Owns its children and what it presents.
 ///
 /// Used on the main thread only, and through `std::shared_ptr`. A host wraps its window or page in
@@ -34,6 +47,9 @@ class ZLV_EXPORT ZLVViewController : public std::enable_shared_from_this<ZLVView
       const noexcept {
     return children_;
   }
+
+  /// The class of this controller, or `Other` for any other class, subclasses included.
+  [[nodiscard]] virtual ZLVExactClass exactClass() const noexcept { return ZLVExactClass::Other; }
 
   [[nodiscard]] ZLVModalPresentationStyle modalPresentationStyle() const noexcept { return style_; }
   void setModalPresentationStyle(ZLVModalPresentationStyle style) noexcept { style_ = style; }
@@ -69,8 +85,13 @@ class ZLV_EXPORT ZLVViewController : public std::enable_shared_from_this<ZLVView
 };
 
 /// A stack of view controllers of which the last is shown.
-class ZLV_EXPORT ZLVNavigationController : public ZLVViewController {
+class ZLV_EXPORT ZLVNavigationController : public ZLVViewController,
+                                           private virtual ZLVExactClassBase {
  public:
+  ZLVNavigationController() : ZLVExactClassBase(ZLVExactClass::NavigationController) {}
+
+  [[nodiscard]] ZLVExactClass exactClass() const noexcept override;
+
   void pushViewController(std::shared_ptr<ZLVViewController> controller);
   /// Removes the top of the stack and returns it; a null pointer when the stack is empty.
   std::shared_ptr<ZLVViewController> popViewController();

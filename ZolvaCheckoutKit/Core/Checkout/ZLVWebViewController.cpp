@@ -15,6 +15,10 @@ std::shared_ptr<ZLVWebViewController> ZLVWebViewController::initWithURL(const ZL
   return controller;
 }
 
+ZLVWebViewController::ZLVWebViewController(std::unique_ptr<ZLVBrowser> browser)
+    : ZLVExactClassBase(ZLVExactClass::WebViewController),
+      ZLVBrowserViewController(std::move(browser)) {}
+
 ZLVWebViewController::~ZLVWebViewController() {
   try {
     if (!callback_) throw ZLVProgrammingFault("ZLVWebViewController: destroyed without a callback");

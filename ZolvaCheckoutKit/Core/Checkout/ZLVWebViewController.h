@@ -10,7 +10,7 @@
 ///
 /// Its destruction is the only event: however the page went away, and also when it was never shown,
 /// the callback runs once, on the thread that drops the last reference.
-class ZLVWebViewController : public ZLVBrowserViewController {
+class ZLVWebViewController : public ZLVBrowserViewController, private virtual ZLVExactClassBase {
  public:
   using Callback = std::function<void()>;
 
@@ -24,11 +24,13 @@ class ZLVWebViewController : public ZLVBrowserViewController {
   [[nodiscard]] const Callback& callback() const noexcept { return callback_; }
   void setCallback(Callback callback) { callback_ = std::move(callback); }
 
+  [[nodiscard]] ZLVExactClass exactClass() const noexcept override { return ownClass; }
+
  protected:
+  explicit ZLVWebViewController(std::unique_ptr<ZLVBrowser> browser);
+
   void viewDidLoad() override;
 
  private:
-  using ZLVBrowserViewController::ZLVBrowserViewController;
-
   Callback callback_;
 };

@@ -1,10 +1,8 @@
 #include <string_view>
-#include <typeinfo>
 #include <utility>
 
 #include <ZolvaCheckoutKit/Core/Analytics/ZLVAnalyticsTracker.h>
 #include <ZolvaCheckoutKit/Core/Checkout/ZLVCheckoutProcessor.h>
-#include <ZolvaCheckoutKit/Core/Checkout/ZLVWebViewController.h>
 #include <ZolvaCheckoutKit/Core/Helpers/ZLVJSONSerialization.h>
 #include <ZolvaCheckoutKit/Core/Helpers/ZLVText.h>
 #include <ZolvaCheckoutKit/Core/Network/ZLVNetwork.h>
@@ -178,11 +176,8 @@ void ZLVClient::handleCallbackUrl(const ZLVURL& url) {
   if (url.absoluteString().find(*callbackUrl) == std::string::npos) return;
 
   // Exact classes: a host's subclass of either is its own affair.
-  const auto is = [](const ZLVViewController& controller, const std::type_info& type) {
-    return typeid(controller) == type;
-  };
-  const auto isNavigation = [&is](const ZLVViewController& controller) {
-    return is(controller, typeid(ZLVNavigationController));
+  const auto isNavigation = [](const ZLVViewController& controller) {
+    return controller.exactClass() == ZLVExactClass::NavigationController;
   };
   requirePlatform("handleCallbackUrl");
   auto current = ZLVPlatform::installed().userInterface->keyWindowRootViewController();
@@ -195,7 +190,7 @@ void ZLVClient::handleCallbackUrl(const ZLVURL& url) {
       current = current->childViewControllers().back();
     }
   }
-  if (current != nullptr && is(*current, typeid(ZLVWebViewController))) {
+  if (current != nullptr && current->exactClass() == ZLVExactClass::WebViewController) {
     current->dismissViewControllerAnimated(true);
   }
 }
