@@ -19,7 +19,8 @@ using Style = Terminal::Style;
 constexpr auto spinnerInterval = 80ms;
 constexpr auto uploadLimit = 2s;
 constexpr const char* unknownAccount = "no-such-account";
-constexpr const char* phoneNumber = "81234567890";
+constexpr const char* phoneNumber = "7700900123";
+constexpr const char* countryCode = "44";
 
 std::string money(double amount) {
   char text[32];
@@ -97,7 +98,7 @@ class Demo {
     begin("Link a wallet");
     const auto outcome = host_.wait<ZLVLinkAccountResult>([&](auto completion) {
       ZLVClient::linkAccountWithPaymentType(
-          "zolva", ZLVPartnerDetails::initWithPhoneNumber(phoneNumber, "62"),
+          "zolva", ZLVPartnerDetails::initWithPhoneNumber(phoneNumber, countryCode),
           host_.viewController(), std::move(completion));
     });
     if (!isFine(outcome)) return;

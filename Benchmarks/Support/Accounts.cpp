@@ -8,7 +8,7 @@ std::string accountDocument(int paymentOptions) {
       R"("metadata":{"payment_options":[)";
   for (int i = 0; i < paymentOptions; ++i) {
     if (i > 0) text += ',';
-    text += R"({"name":"PAY_LATER","active":true,"balance":{"value":"350000.00","currency":"IDR"},)"
+    text += R"({"name":"PAY_LATER","active":true,"balance":{"value":"350000.00","currency":"EUR"},)"
             R"("metadata":{"min_limit":"10000","tier":)" +
             std::to_string(i % 5) +
             R"(},"token":"eyJ0eXBlIjogIlpPTFZBX1dBTExFVCIsICJpZCI6ICIifQ==)" + std::to_string(i) +

@@ -133,8 +133,9 @@ TEST_F(Library, TenThousandCallsUnderRandomFaultsAnswerTenThousandTimes) {
       ZLVClient::enquireAccountWithAccountID("a", done);
     } else {
       ZLVClient::linkAccountWithPaymentType(
-          "zolva", ZLVPartnerDetails::initWithPhoneNumber(std::to_string(call), "62"), nullptr,
-          done);
+          "zolva",
+          ZLVPartnerDetails::initWithPhoneNumber(std::to_string(7700900000 + call % 1000), "44"),
+          nullptr, done);
     }
   };
   for (int i = 0; i < atOnce; ++i) startNext();

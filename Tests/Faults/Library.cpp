@@ -73,7 +73,7 @@ void Library::enquire(const Completion& completion) {
 void Library::charge(const Completion& completion) {
   ZLVClient::createTransactionWithPaymentType(
       "zolva", nullptr, ZLVZolvaDetails::initWithAccountID(account, "token"),
-      ZLVTransactionDetails::initWithGrossAmount(1, "order-1", "IDR"),
+      ZLVTransactionDetails::initWithGrossAmount(1, "order-1", "EUR"),
       std::make_shared<ZLVCustomerDetails>(), std::nullopt, outcome(completion));
 }
 

@@ -93,14 +93,14 @@ class Flow {
   }
   void link(const std::shared_ptr<ZLVViewController>& presenter) {
     ZLVClient::linkAccountWithPaymentType("zolva",
-                                          ZLVPartnerDetails::initWithPhoneNumber("81", "62"),
+                                          ZLVPartnerDetails::initWithPhoneNumber("5550123", "1"),
                                           presenter, answer<ZLVLinkAccountResult>());
   }
   void charge(const std::shared_ptr<ZLVViewController>& presenter) {
     ZLVClient::createTransactionWithPaymentType(
         "zolva", presenter, ZLVZolvaDetails::initWithAccountID("acc", "tok"),
-        ZLVTransactionDetails::initWithGrossAmount(10000, "o-1", "IDR"),
-        ZLVCustomerDetails::initWithPhoneNumber("81", "Ada", "L", "a@b.c"), {},
+        ZLVTransactionDetails::initWithGrossAmount(10000, "o-1", "EUR"),
+        ZLVCustomerDetails::initWithPhoneNumber("5550123", "Ada", "L", "a@b.c"), {},
         answer<ZLVTransactionResult>());
   }
 
