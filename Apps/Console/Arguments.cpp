@@ -86,7 +86,8 @@ class Parser {
         ->capture_default_str();
     app_.add_flag("--log", options.isLoggingEnabled,
                   "Log requests and answers, tokens included, to standard error");
-    app_.add_option("--analytics-root", options.analyticsRoot, "Base URL of the analytics service")
+    app_.add_option("--analytics-root", options.analyticsRoot,
+                    "Base URL of the analytics service (a server on this machine is its own)")
         ->type_name("URL");
     app_.add_flag("--allow-cleartext", options.allowsCleartext, "Allow http to other machines");
     app_.add_option("--ca-file", options.CAFile, "Certificate authorities to trust as well (PEM)")
@@ -151,7 +152,7 @@ class Parser {
   void addLink() {
     auto* link = add("link", "Link a wallet account", link_);
     require(link, "--phone-number", link_.phoneNumber, "The wallet user's number");
-    require(link, "--country-code", link_.countryCode, "Its country code, such as 62");
+    require(link, "--country-code", link_.countryCode, "Its country code, without a plus sign");
     link->add_option("--payment-type", link_.paymentType)->default_val(defaultPaymentType);
   }
   template <class Kind>

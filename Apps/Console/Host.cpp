@@ -5,7 +5,9 @@
 #include <cerrno>
 #include <cstdio>
 
+#include <arpa/inet.h>
 #include <poll.h>
+#include <strings.h>
 #include <unistd.h>
 
 #include <ZolvaCheckoutKit/Platform/Linux/ZLVLinuxPlatform.h>
@@ -19,27 +21,22 @@ struct StandardErrorLog : ZLVSystemLog {
   }
 };
 
-/// A session that counts what it is sending.
-class CountingSession : public ZLVURLSession {
- public:
-  CountingSession(std::unique_ptr<ZLVURLSession> session, std::shared_ptr<ZLVMainQueue> queue,
-                  std::shared_ptr<std::size_t> count)
-      : session_(std::move(session)), queue_(std::move(queue)), count_(std::move(count)) {}
+bool isThisMachine(const std::string& host) {
+  if (strcasecmp(host.c_str(), "localhost") == 0) return true;
+  in_addr address4{};
+  if (inet_aton(host.c_str(), &address4) != 0) return ntohl(address4.s_addr) >> 24 == 127;
+  in6_addr address6{};
+  return inet_pton(AF_INET6, host.c_str(), &address6) == 1 && IN6_IS_ADDR_LOOPBACK(&address6);
+}
 
-  void dataTask(ZLVURLRequest request, CompletionHandler handler) override {
-    ++*count_;
-    session_->dataTask(std::move(request), [queue = queue_, count = count_,
-                                            handler = std::move(handler)](auto answer) mutable {
-      std::move(handler)(std::move(answer));
-      queue->dispatch([count] { --*count; });
-    });
-  }
-
- private:
-  std::unique_ptr<ZLVURLSession> session_;
-  std::shared_ptr<ZLVMainQueue> queue_;
-  std::shared_ptr<std::size_t> count_;
-};
+/// Where usage events go: what is tried out with a server on this machine stays with that server.
+std::optional<std::string> analyticsRoot(const ConsoleOptions& options) {
+  if (options.analyticsRoot) return options.analyticsRoot;
+  const auto server = ZLVURL::URLWithString(options.server);
+  if (!server || !isThisMachine(server->host())) return std::nullopt;
+  const auto& text = server->absoluteString();
+  return text.substr(0, text.find_first_of("/?#", text.find("//") + 2)) + '/';
+}
 
 }  // namespace
 
@@ -52,11 +49,8 @@ Host::Host(const ConsoleOptions& options, const MakeUserInterface& makeUserInter
                                              .applicationIdentifier = "com.zolva.console",
                                              .allowsCleartext = options.allowsCleartext,
                                              .CAFile = options.CAFile,
-                                             .analyticsRootURL = options.analyticsRoot});
+                                             .analyticsRootURL = analyticsRoot(options)});
   platform.systemLog = std::make_shared<StandardErrorLog>();
-  platform.makeURLSession = [make = platform.makeURLSession, queue = queue_, count = underWay_] {
-    return std::make_unique<CountingSession>(make(), queue, count);
-  };
   if (makeUserInterface) userInterface_ = makeUserInterface(platform);
   platform.userInterface = userInterface_;
   ZLVPlatform::install(std::move(platform));
@@ -69,23 +63,11 @@ void Host::setTick(std::chrono::milliseconds interval, std::function<void()> tic
   tick_ = std::move(tick);
 }
 
-void Host::finishUploads(std::chrono::milliseconds limit) {
-  using Clock = std::chrono::steady_clock;
-  const auto end = Clock::now() + limit;
-  while (*underWay_ > 0) {
-    const auto left = std::chrono::ceil<Milliseconds>(end - Clock::now());
-    if (left <= Milliseconds::zero()) return;
-    runOnce(left);
-  }
-}
-
-void Host::runOnce(Milliseconds limit) {
+void Host::runOnce() {
   const bool readsInput = awaitsUser() && !isInputOver_;
   std::array<pollfd, 2> watched{
       {{queue_->fileDescriptor(), POLLIN, 0}, {readsInput ? STDIN_FILENO : -1, POLLIN, 0}}};
-  const auto wait =
-      tick_ && (limit < Milliseconds::zero() || tickInterval_ < limit) ? tickInterval_ : limit;
-  const int ready = poll(watched.data(), watched.size(), static_cast<int>(wait.count()));
+  const int ready = poll(watched.data(), watched.size(), static_cast<int>(tickInterval_.count()));
   if (tick_) tick_();
   if (ready < 0) return;
   queue_->drain();

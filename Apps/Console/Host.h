@@ -41,22 +41,23 @@ class Host {
     start(ZLVCompletionHandler<Record>([&outcome](auto record, auto error) {
       outcome.emplace(Outcome<Record>{std::move(record), std::move(error)});
     }));
-    while (!outcome) runOnce(forever);
+    while (!outcome) runOnce();
     return *std::move(outcome);
   }
 
   /// Called every `interval` while the main loop waits.
   void setTick(std::chrono::milliseconds interval, std::function<void()> tick);
 
-  /// Runs the main loop until nothing is being sent any more, for at most `limit`.
-  void finishUploads(std::chrono::milliseconds limit);
+  /// Runs the main loop until the last usage event was sent, for at most `limit`.
+  void finishUploads(std::chrono::milliseconds limit) { queue_->runUntilIdle(limit); }
 
  private:
   using Milliseconds = std::chrono::milliseconds;
   static constexpr Milliseconds forever{-1};
 
-  /// Waits for the main queue, for the user when a page is open, or for `limit`, and serves them.
-  void runOnce(Milliseconds limit);
+  /// Waits for the main queue, for the user when a page is open, or for the next tick, and serves
+  /// them.
+  void runOnce();
   void readInput();
   /// Acts on the lines read so far, as long as there is a page to act on.
   void serveInput();
@@ -68,7 +69,6 @@ class Host {
   std::shared_ptr<ZLVLinuxMainQueue> queue_ = ZLVLinuxMainQueue::mainQueue();
   std::shared_ptr<ZLVConsoleUserInterface> console_;
   std::shared_ptr<ZLVUserInterface> userInterface_;
-  std::shared_ptr<std::size_t> underWay_ = std::make_shared<std::size_t>(0);  // main thread only
   std::string input_;
   bool isInputOver_ = false;
   Milliseconds tickInterval_ = forever;

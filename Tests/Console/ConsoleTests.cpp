@@ -17,19 +17,27 @@ Arguments operator+(Arguments left, const Arguments& right) {
   return left;
 }
 
-const Arguments linkCommand{"link", "--phone-number", "8123", "--country-code", "62"};
-const Arguments chargeCommand{"charge",     "--account-id",   "acc",  "--payment-option-token",
-                              "tok",        "--order-id",     "o-1",  "--currency",
-                              "EUR",        "--phone-number", "8123", "--first-name",
-                              "Ada",        "--last-name",    "L",    "--email",
+const Arguments linkCommand{"link", "--phone-number", "5550123", "--country-code", "1"};
+const Arguments chargeCommand{"charge",     "--account-id",   "acc",     "--payment-option-token",
+                              "tok",        "--order-id",     "o-1",     "--currency",
+                              "EUR",        "--phone-number", "5550123", "--first-name",
+                              "Ada",        "--last-name",    "L",       "--email",
                               "a@b.example"};
 
 class Console : public testing::Test {
  protected:
+  /// What would leave this machine comes to the sandbox instead.
+  void SetUp() override { setenv("https_proxy", sandbox.baseURL().c_str(), 1); }
+
   [[nodiscard]] Arguments command(const Arguments& arguments) const {
-    return Arguments{ZOLVA_PROGRAM, "--server", sandbox.baseURL(), "--analytics-root",
-                     sandbox.baseURL() + "/"} +
-           arguments;
+    return Arguments{ZOLVA_PROGRAM, "--server", sandbox.baseURL()} + arguments;
+  }
+  [[nodiscard]] std::vector<std::string> leaving() const {
+    std::vector<std::string> targets;
+    for (const auto& request : sandbox.requests()) {
+      if (request.method == "CONNECT") targets.push_back(request.target);
+    }
+    return targets;
   }
   ChildProcess::Result run(const Arguments& arguments) const {
     return ChildProcess(command(arguments)).finish();
@@ -102,7 +110,7 @@ TEST_F(Console, SendsExactlyItsRequests) {
   EXPECT_EQ(requests[2].target, "/v2/charge");
   EXPECT_EQ(requests[2].body,
             R"({"customer_details":{"email":"a@b.example","first_name":"Ada","last_name":"L",)"
-            R"("phone":"8123"},"item_details":[{"id":"1","price":2.5,"quantity":4}],)"
+            R"("phone":"5550123"},"item_details":[{"id":"1","price":2.5,"quantity":4}],)"
             R"("payment_type":"zolva","transaction_details":{"currency":"EUR","gross_amount":10,)"
             R"("order_id":"o-1"},"zolva":{"account_id":"acc","callback_url":"zolvademo://done",)"
             R"("enable_callback":true,"payment_option_token":"tok"}})");
@@ -143,6 +151,29 @@ TEST_F(Console, APageEndsByCallbackByEmptyLineAndByEndOfInput) {
             3);
 }
 
+TEST_F(Console, ReportsStayOnThisMachineWithItsServer) {
+  const auto port = std::to_string(sandbox.port());
+  for (const auto& server : {"http://LOCALHOST:" + port, "http://127.1:" + port + "/pay?x"}) {
+    ChildProcess({ZOLVA_PROGRAM, "--server", server, "enquire", "x"}).finish();
+  }
+  EXPECT_EQ(sandbox.events().size(), 6U);
+  EXPECT_EQ(leaving(), Arguments{});
+  for (const auto* server : {"http://127.example", "http://localhost.example"}) {
+    ChildProcess({ZOLVA_PROGRAM, "--server", server, "enquire", "x"}).finish();
+  }
+  EXPECT_EQ(leaving(), Arguments(4, "api.clevertap.com:443"));
+}
+
+TEST_F(Console, TheDocumentedExampleSaysWhatTheServerSays) {
+  const std::string account = R"({"status_code":"200","account_id":"acc","account_status":)";
+  sandbox.misbehave({.pathPrefix = "/v2/"}, {.status = 200, .body = account + R"("ENABLED"})"});
+  sandbox.misbehave({.pathPrefix = "/v2/"}, {.status = 200, .body = account + R"("PENDING"})"});
+  EXPECT_EQ(ChildProcess({EXAMPLE_PROGRAM, sandbox.baseURL()}).finish().output,
+            "Account acc: PENDING\n");
+  // The merchant's profile and the events of both calls, the last one included.
+  EXPECT_EQ(leaving(), Arguments(3, "api.clevertap.com:443"));
+}
+
 TEST_F(Console, LogsToStandardErrorWhenAsked) {
   EXPECT_EQ(run({"enquire", "abc"}).error, "");
   const auto error = run({"--log", "enquire", "abc"}).error;
@@ -151,6 +182,7 @@ TEST_F(Console, LogsToStandardErrorWhenAsked) {
 }
 
 TEST_F(Console, FailuresSayWhatToDo) {
+  unsetenv("https_proxy");
   sandbox.misbehave({.pathPrefix = "/v2/", .times = 1},
                     {.status = 502, .body = "<html>Bad</html>"});
   const std::string noHost(64, 'x');  // no name is that long, so nobody is asked for it

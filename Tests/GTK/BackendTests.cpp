@@ -2,6 +2,7 @@
 
 #include <filesystem>
 #include <fstream>
+#include <future>
 #include <stdexcept>
 #include <thread>
 
@@ -63,6 +64,23 @@ TEST(MainQueue, PassesExceptionsOnAndStaysUsable) {
         waitFor([] { return false; });
       },
       "nobody catches this");
+}
+
+TEST(MainQueue, RunsUntilNothingIsUnderWay) {
+  using std::chrono::milliseconds;
+  const Host host;
+  EXPECT_TRUE(ZLVGTKPlatform::runUntilIdle(milliseconds(0)));
+  ZLVActivity activity;
+  EXPECT_FALSE(ZLVGTKPlatform::runUntilIdle(milliseconds(1)));
+  // The last one ends on another thread while this one sleeps in the loop.
+  std::promise<void> isRunning;
+  std::thread other([&] {
+    isRunning.get_future().wait();
+    activity.end();
+  });
+  ZLVPlatform::installed().mainQueue->dispatch([&] { isRunning.set_value(); });
+  EXPECT_TRUE(ZLVGTKPlatform::runUntilIdle(milliseconds::max()));
+  other.join();
 }
 
 TEST(MainQueue, DestroysWhatNeverRan) {

@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
+#include <future>
 #include <memory>
 #include <numeric>
 #include <regex>
@@ -26,6 +27,7 @@
 #include <ZolvaCheckoutKit/Platform/Linux/ZLVConsoleUserInterface.h>
 #include <ZolvaCheckoutKit/Platform/Linux/ZLVLinuxMainQueue.h>
 #include <ZolvaCheckoutKit/Platform/Linux/ZLVLinuxPlatform.h>
+#include <ZolvaCheckoutKit/Platform/ZLVActivity.h>
 #include <ZolvaCheckoutKit/ZLVError.h>
 
 namespace {
@@ -108,6 +110,42 @@ TEST(MainQueue, LetsThroughWhatABlockThrows) {
   queue.drain();
   EXPECT_EQ(order, "a!ba!b");
   EXPECT_FALSE(isReadable(queue));
+}
+
+TEST(MainQueue, RunsUntilNothingIsUnderWay) {
+  using std::chrono::milliseconds;
+  ZLVPlatform::install(ZLVLinuxPlatform::platformWithOptions({.applicationVersion = "2.1"}));
+  const auto& queue = ZLVLinuxMainQueue::mainQueue();
+  std::string order;
+  const auto runs = [&](milliseconds limit) { return queue->runUntilIdle(limit); };
+  EXPECT_TRUE(runs(milliseconds::min()));
+  {
+    const ZLVActivity activity;
+    queue->dispatch([&] { order += 'a'; });
+    EXPECT_FALSE(runs(milliseconds::min()));
+    EXPECT_FALSE(runs(milliseconds(1)));
+    EXPECT_EQ(order, "a");
+  }
+  // What was not under way yet counts once a block has started it.
+  std::optional<ZLVActivity> late;
+  queue->dispatch([&] {
+    late.emplace();
+    queue->dispatch([&] { late.reset(); });
+  });
+  EXPECT_TRUE(runs(milliseconds::max()));
+  EXPECT_FALSE(late);
+
+  // The last one ends on another thread while this one sleeps, or is about to.
+  for (int i = 0; i < 1000; ++i) {
+    std::promise<void> isRunning;
+    std::thread other([activity = ZLVActivity(), running = isRunning.get_future()]() mutable {
+      running.wait();
+      activity.end();
+    });
+    queue->dispatch([&] { isRunning.set_value(); });
+    EXPECT_TRUE(runs(milliseconds::max()));
+    other.join();
+  }
 }
 
 TEST(MainQueue, DestroysWhatNeverRuns) {

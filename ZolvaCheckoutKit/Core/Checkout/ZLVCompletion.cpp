@@ -30,14 +30,8 @@ void recordAndAnswer(ZLVPendingAnswer::Handler handler, std::string_view errorEv
 ZLVPendingAnswer::ZLVPendingAnswer(Handler handler, std::string_view errorEvent) noexcept
     : handler_(std::move(handler)), errorEvent_(errorEvent) {}
 
-ZLVPendingAnswer::ZLVPendingAnswer(ZLVPendingAnswer&& other) noexcept
-    : handler_(std::move(other.handler_)),
-      errorEvent_(other.errorEvent_),
-      failure_(std::move(other.failure_)),
-      isPending_(std::exchange(other.isPending_, false)) {}
-
 ZLVPendingAnswer::~ZLVPendingAnswer() {
-  if (!isPending_) return;
+  if (!isPending()) return;
   // Without this owner in the block: a queue that is destroyed with the block asks no more.
   ZLVPlatform::installed().mainQueue->dispatch([handler = std::move(handler_), event = errorEvent_,
                                                 failure = std::move(failure_)]() mutable {
@@ -47,11 +41,11 @@ ZLVPendingAnswer::~ZLVPendingAnswer() {
 }
 
 void ZLVPendingAnswer::succeed(std::shared_ptr<ZLVMappable> record) && {
-  isPending_ = false;
+  activity_.end();
   std::move(handler_)(std::move(record), std::nullopt);
 }
 
 void ZLVPendingAnswer::fail(ZLVError error) && {
-  isPending_ = false;
+  activity_.end();
   recordAndAnswer(std::move(handler_), errorEvent_, std::move(error));
 }

@@ -5,6 +5,7 @@
 #include <string_view>
 #include <utility>
 
+#include <ZolvaCheckoutKit/Platform/ZLVActivity.h>
 #include <ZolvaCheckoutKit/Platform/ZLVOnce.h>
 #include <ZolvaCheckoutKit/ZLVError.h>
 #include <ZolvaCheckoutKit/ZLVMappable.h>
@@ -15,12 +16,12 @@ class ZLVPendingAnswer {
   using Handler = ZLVOnce<void(std::shared_ptr<ZLVMappable>, std::optional<ZLVError>)>;
 
   ZLVPendingAnswer(Handler handler, std::string_view errorEvent) noexcept;
-  ZLVPendingAnswer(ZLVPendingAnswer&& other) noexcept;
+  ZLVPendingAnswer(ZLVPendingAnswer&&) noexcept = default;
   ZLVPendingAnswer& operator=(ZLVPendingAnswer&&) = delete;
   ~ZLVPendingAnswer();
 
   /// Whether the call is still to be answered. Nobody need be listening.
-  [[nodiscard]] bool isPending() const noexcept { return isPending_; }
+  [[nodiscard]] bool isPending() const noexcept { return activity_.isUnderWay(); }
 
   void succeed(std::shared_ptr<ZLVMappable> record) &&;
   void fail(ZLVError error) &&;
@@ -31,7 +32,7 @@ class ZLVPendingAnswer {
   std::string_view errorEvent_;
   /// What the one who lets go of the completion already knows to be wrong.
   std::optional<ZLVError> failure_;
-  bool isPending_ = true;
+  ZLVActivity activity_;  // ends when the handler is called
 };
 
 /// The one owner of a call's answer, made where the call begins and handed along from there.

@@ -8,6 +8,7 @@
 #include <ZolvaCheckoutKit/Core/Helpers/builder.h>
 #include <ZolvaCheckoutKit/Core/Network/ZLVNetwork.h>
 #include <ZolvaCheckoutKit/Core/Network/ZLVRequestBuilder.h>
+#include <ZolvaCheckoutKit/Platform/ZLVActivity.h>
 #include <ZolvaCheckoutKit/Platform/ZLVPlatform.h>
 #include <ZolvaCheckoutKit/ZLVVendor.h>
 
@@ -106,7 +107,7 @@ void ZLVNetwork::request(const std::shared_ptr<const ZLVNetworkService>& service
   std::optional<ZLVURLRequest> sent;
   if (service->serviceType() == ZLVServiceTypeMerchant) sent = request;
 
-  auto respond = [sent = std::move(sent),
+  auto respond = [activity = ZLVActivity(), sent = std::move(sent),
                   completion = std::move(completion)](const ZLVURLAnswer& answer) mutable {
     if (sent && ZLVVendor::shared().isLoggingEnabled()) logExchange(*sent, answer);
     if (completion) deliver(judge(answer), std::move(completion));

@@ -32,6 +32,10 @@ ZLVPlatform ZLVGTKPlatform::platformWithApplication(GtkApplication* application,
   return platform;
 }
 
+bool ZLVGTKPlatform::runUntilIdle(std::chrono::milliseconds limit) {
+  return ZLVGTKMainQueue::runUntilIdle(limit);
+}
+
 std::shared_ptr<ZLVViewController> ZLVGTKPlatform::viewControllerForWindow(GtkWindow* window) {
   if (window == nullptr) {
     throw ZLVProgrammingFault("ZLVGTKPlatform::viewControllerForWindow: no window");

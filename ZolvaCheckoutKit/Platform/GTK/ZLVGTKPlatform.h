@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <exception>
 #include <functional>
 #include <memory>
@@ -49,6 +50,12 @@ class ZLV_EXPORT ZLVGTKPlatform {
   [[nodiscard]] static ZLVPlatform platformWithApplication(GtkApplication* application,
                                                            ZLVLinuxOptions options,
                                                            ZLVGTKHandlers handlers = {});
+
+  /// Runs the main loop until nothing of the library's is under way: every call has completed, the
+  /// page that it showed is gone, and every usage event was sent or has failed. What a completion
+  /// starts is waited for too. Returns false when something is still under way after `limit`. Call
+  /// it after g_application_run(), or the last events are lost with the process. Main thread.
+  static bool runUntilIdle(std::chrono::milliseconds limit);
 
   /// The view controller of a window, made on the first call and kept until the window goes, which
   /// also ends what it presents. The window's own widgets stay as they are. It is the window's root

@@ -1,5 +1,7 @@
 #include <algorithm>
 #include <cerrno>
+#include <climits>
+#include <cstdint>
 #include <system_error>
 #include <utility>
 
@@ -8,6 +10,7 @@
 #include <unistd.h>
 
 #include <ZolvaCheckoutKit/Platform/Linux/ZLVLinuxMainQueue.h>
+#include <ZolvaCheckoutKit/Platform/ZLVActivity.h>
 
 namespace {
 
@@ -47,14 +50,25 @@ void ZLVLinuxMainQueue::dispatch(ZLVOnce<void()> block) {
 void ZLVLinuxMainQueue::run() {
   while (!isStopped_) {
     if (runNext()) continue;
-    pollfd event{fileDescriptor_, POLLIN, 0};
-    poll(&event, 1, -1);
+    wait(-1);
   }
   isStopped_ = false;
 }
 
 void ZLVLinuxMainQueue::stop() {
   dispatch([this] { isStopped_ = true; });
+}
+
+bool ZLVLinuxMainQueue::runUntilIdle(std::chrono::milliseconds limit) {
+  return ZLVActivity::runUntilIdle(limit, [this](std::chrono::milliseconds left) {
+    wait(static_cast<int>(std::min<std::int64_t>(left.count(), INT_MAX)));
+    drain();
+  });
+}
+
+void ZLVLinuxMainQueue::wait(int milliseconds) const {
+  pollfd event{fileDescriptor_, POLLIN, 0};
+  poll(&event, 1, milliseconds);
 }
 
 void ZLVLinuxMainQueue::drain() {

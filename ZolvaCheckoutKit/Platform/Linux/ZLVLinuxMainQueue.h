@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <deque>
 #include <memory>
 #include <mutex>
@@ -7,8 +8,8 @@
 #include <ZolvaCheckoutKit/Platform/ZLVMainQueue.h>
 #include <ZolvaCheckoutKit/ZLVExport.h>
 
-/// A main queue for a thread without one: the host runs it (`run`), or drains it from the loop it
-/// has (`fileDescriptor` and `drain`).
+/// A main queue for a thread without one: the host runs it (`run`, `runUntilIdle`), or drains it
+/// from the loop it has (`fileDescriptor` and `drain`).
 ///
 /// What a block throws leaves through `run` or `drain`; that block counts as run, those behind it
 /// stay queued, and the queue can be run again.
@@ -34,6 +35,13 @@ class ZLV_EXPORT ZLVLinuxMainQueue final : public ZLVMainQueue {
   /// way, its next call does. Any thread.
   void stop();
 
+  /// Runs blocks until nothing of the library's is under way: every call has completed, the page
+  /// that it showed is gone, and every usage event was sent or has failed. What a completion starts
+  /// is waited for too. Returns false when something is still under way after `limit`. Call it
+  /// before you end the process, or the last events are lost. Main thread, also inside a block; it
+  /// takes no notice of `stop`. For the queue of the installed platform.
+  bool runUntilIdle(std::chrono::milliseconds limit);
+
   /// Runs the blocks that are queued now, but none that they queue in turn. Never waits. Main
   /// thread.
   void drain();
@@ -45,6 +53,8 @@ class ZLV_EXPORT ZLVLinuxMainQueue final : public ZLVMainQueue {
  private:
   /// Runs the first block; false when there is none.
   bool runNext();
+  /// Waits for a block; for ever with a negative limit.
+  void wait(int milliseconds) const;
 
   const int fileDescriptor_;
   std::mutex mutex_;

@@ -1,9 +1,11 @@
+#include <algorithm>
 #include <utility>
 
 #include <glib.h>
 
 #include <ZolvaCheckoutKit/Platform/GTK/Internal/ZLVGObject.h>
 #include <ZolvaCheckoutKit/Platform/GTK/Internal/ZLVGTKMainQueue.h>
+#include <ZolvaCheckoutKit/Platform/ZLVActivity.h>
 
 ZLVGTKMainQueue::ZLVGTKMainQueue(UncaughtException uncaughtException)
     : blocks_(std::make_shared<Blocks>()) {
@@ -29,6 +31,18 @@ void ZLVGTKMainQueue::dispatch(ZLVOnce<void()> block) {
         return G_SOURCE_REMOVE;
       },
       Turn::make(blocks_), &Turn::free);
+}
+
+bool ZLVGTKMainQueue::runUntilIdle(std::chrono::milliseconds limit) {
+  return ZLVActivity::runUntilIdle(limit, [](std::chrono::milliseconds left) {
+    // An iteration waits for ever; a source of its own puts an end to it.
+    const auto interval = std::min<std::chrono::milliseconds::rep>(left.count(), G_MAXINT);
+    const auto end = g_timeout_add(
+        static_cast<guint>(interval), [](gpointer) -> gboolean { return G_SOURCE_CONTINUE; },
+        nullptr);
+    g_main_context_iteration(nullptr, TRUE);
+    g_source_remove(end);
+  });
 }
 
 void ZLVGTKMainQueue::runNext(Blocks& blocks) noexcept {

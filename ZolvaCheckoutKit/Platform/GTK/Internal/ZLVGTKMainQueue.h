@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <deque>
 #include <exception>
 #include <functional>
@@ -20,6 +21,9 @@ class ZLVGTKMainQueue final : public ZLVMainQueue {
   ~ZLVGTKMainQueue() override;
 
   void dispatch(ZLVOnce<void()> block) override;
+
+  /// Runs the main loop as `ZLVActivity::runUntilIdle` says. Main thread.
+  static bool runUntilIdle(std::chrono::milliseconds limit);
 
  private:
   struct Blocks {
