@@ -56,12 +56,70 @@ TEST_F(Analytics, EventsAndProfiles) {
   EXPECT_EQ(platform.queue->size(), 0U);
 }
 
+TEST(AnalyticsService, HasADefaultAddress) {
+  const FakePlatform platform(std::nullopt);
+  FakePlatform::configure();
+  ASSERT_EQ(platform.session.analytics.size(), 1U);
+  EXPECT_EQ(platform.session.analytics.front().request.URL->absoluteString(),
+            "https://api.clevertap.com/1/upload");
+}
+
+TEST_F(Analytics, AreUnderWayAsTheCallsAreUntilTheyEnd) {
+  // Nothing is answered, then everything.
+  const auto isIdle = [this](bool isAnswered) {
+    return ZLVActivity::runUntilIdle({}, [this, isAnswered](std::chrono::milliseconds) {
+      platform.queue->drain();
+      for (auto& task : std::exchange(platform.session.analytics, {})) {
+        if (isAnswered)
+          task.answer(500, "no");
+        else
+          platform.session.analytics.push_back(std::move(task));
+      }
+      platform.queue->drain();
+    });
+  };
+  EXPECT_TRUE(isIdle(false));
+  FakePlatform::configure();
+  EXPECT_FALSE(isIdle(false));
+  EXPECT_TRUE(isIdle(true));
+
+  // A call, what its completion starts, and a completion that waits for the rest itself.
+  const auto answer = [this] {
+    platform.session.merchant.back().answer(200, R"({"status_code":"200"})");
+  };
+  int completed = 0;
+  ZLVClient::enquireAccountWithAccountID("a", [&](const auto&, const auto&) {
+    ++completed;
+    ZLVClient::disableAccountWithAccountID("a", [&](const auto&, const auto&) {
+      ++completed;
+      EXPECT_TRUE(isIdle(true));
+    });
+  });
+  EXPECT_FALSE(isIdle(true));
+  answer();
+  EXPECT_FALSE(isIdle(true));
+  answer();
+  EXPECT_TRUE(isIdle(true));
+  EXPECT_EQ(completed, 2);
+
+  // A call that its session loses is answered, and is under way until then.
+  ZLVClient::enquireAccountWithAccountID("a", [&](const auto&, const auto&) { ++completed; });
+  platform.session.merchant.clear();
+  EXPECT_TRUE(isIdle(true));
+  EXPECT_EQ(completed, 3);
+}
+
 TEST_F(Analytics, AMissingFactIsAFaultAndSendsNothing) {
   auto& tracker = ZLVAnalyticsTracker::shared();
   EXPECT_THROW(tracker.trackEventName("before configuration"), ZLVProgrammingFault);
   EXPECT_THROW(ZLVClient::initWithMerchantServerURL("https://shop.test", {}, {}, false),
                ZLVProgrammingFault);
   EXPECT_EQ(ZLVVendor::shared().merchantSeverURL(), "https://shop.test");
+  EXPECT_THROW(ZLVClient::enquireAccountWithAccountID("a", {}), ZLVProgrammingFault);
+  ZLVVendor::shared().setMerchantId("M1");
+  EXPECT_THROW(ZLVClient::initWithMerchantServerURL("https://shop.test", {}, {}, false),
+               ZLVProgrammingFault);
+  EXPECT_FALSE(ZLVVendor::shared().merchantId());
   ZLVVendor::shared().setMerchantId("M1");
   for (auto fact : {&FakeDevice::version, &FakeDevice::deviceName, &FakeDevice::system}) {
     const auto kept = std::exchange((*platform.device).*fact, std::nullopt);
@@ -91,13 +149,13 @@ TEST_F(Analytics, DeviceFacts) {
 
   EXPECT_FALSE(ZLVDeviceHelper::deviceCurrentLanguage());
   for (const auto& [preferred, expected] :
-       {std::pair{"en_US", "en"}, {"en-US", "en"}, {"zh-Hant_TW", "zh"}, {"id", "id"}}) {
+       {std::pair{"en_US", "en"}, {"en-US", "en"}, {"zh-Hant_TW", "zh"}, {"gsw", "gsw"}}) {
     device.languages = {preferred, "fr"};
     EXPECT_EQ(ZLVDeviceHelper::deviceCurrentLanguage(), expected);
   }
 
   EXPECT_EQ(std::get<std::string>(ZLVDeviceHelper::deviceLanguage()), "ID");
-  device.localizations = {"id", "en"};
+  device.localizations = {"fr", "en"};
   EXPECT_EQ(std::get<std::vector<std::string>>(ZLVDeviceHelper::deviceLanguage()),
             device.localizations);
 }

@@ -12,6 +12,21 @@ class Client : public testing::Test {
     platform.ui->root = presenter;
   }
 
+  /// Events hold the six facts of the device and, those of errors alone, the error's description.
+  void TearDown() override {
+    for (const auto& task : platform.session.analytics) {
+      const auto body = FakePlatform::parsed(*task.request.HTTPBody);
+      for (const auto& record : *body["d"].array()) {
+        const auto& event = *record.dictionary();
+        if (event["type"] == ZLVValue("profile")) continue;
+        const auto& data = *event["evtData"].dictionary();
+        const bool isError = event["evtName"].description().ends_with(" Error");
+        EXPECT_EQ(data.size(), isError ? 7U : 6U) << record.description();
+        EXPECT_EQ(data["details"].description().starts_with("Error Domain="), isError);
+      }
+    }
+  }
+
   /// A completion that notes its call in the journal; an empty one while nobody listens.
   template <class Record>
   ZLVCompletionHandler<Record> note() {
@@ -25,14 +40,14 @@ class Client : public testing::Test {
   }
   void link() {
     ZLVClient::linkAccountWithPaymentType("zolva",
-                                          ZLVPartnerDetails::initWithPhoneNumber("81", "62"),
+                                          ZLVPartnerDetails::initWithPhoneNumber("5550123", "1"),
                                           presenter, note<ZLVLinkAccountResult>());
   }
   void charge(ZLVRecords<ZLVItemDetails> items = {}) {
     ZLVClient::createTransactionWithPaymentType(
         "zolva", presenter, ZLVZolvaDetails::initWithAccountID("acc", "tok"),
-        ZLVTransactionDetails::initWithGrossAmount(10000, "o-1", "IDR"),
-        ZLVCustomerDetails::initWithPhoneNumber("81", "Ada", "L", "a@b.c"), std::move(items),
+        ZLVTransactionDetails::initWithGrossAmount(10000, "o-1", "EUR"),
+        ZLVCustomerDetails::initWithPhoneNumber("5550123", "Ada", "L", "a@b.c"), std::move(items),
         note<ZLVTransactionResult>());
   }
   void enquire() { ZLVClient::enquireAccountWithAccountID("abc", note<ZLVAccountInfo>()); }
@@ -99,8 +114,8 @@ TEST_F(Client, SendsItsRequests) {
   link();
   EXPECT_EQ(sentBody(),
             (ZLVDictionary{{"payment_type", "zolva"},
-                           {"zolva_partner", ZLVDictionary{{"phone_number", "81"},
-                                                           {"country_code", "62"},
+                           {"zolva_partner", ZLVDictionary{{"phone_number", "5550123"},
+                                                           {"country_code", "1"},
                                                            {"redirect_url", "app://done"}}}}));
   ZLVClient::linkAccountWithPaymentType("zolva", nullptr, nullptr, {});
   EXPECT_EQ(sentBody(), (ZLVDictionary{{"payment_type", "zolva"}}));

@@ -114,11 +114,11 @@ struct FakePlatform {
   std::shared_ptr<FakeUserInterface> ui = std::make_shared<FakeUserInterface>();
   FakeSession session;
 
-  FakePlatform() {
+  explicit FakePlatform(std::optional<std::string> root = analyticsRoot) {
     struct Session : ZLVURLSession {
       explicit Session(FakePlatform& owner) : platform(owner) {}
       void dataTask(ZLVURLRequest request, CompletionHandler handler) override {
-        auto& tasks = request.URL->absoluteString().starts_with(analyticsRoot)
+        auto& tasks = request.URL->absoluteString().ends_with("/1/upload")
                           ? platform.session.analytics
                           : platform.session.merchant;
         if (&tasks == &platform.session.analytics) platform.recordEvents(request);
@@ -131,7 +131,7 @@ struct FakePlatform {
                           .systemLog = log,
                           .device = device,
                           .userInterface = ui,
-                          .analyticsRootURL = analyticsRoot});
+                          .analyticsRootURL = std::move(root)});
   }
 
   static void configure() {
