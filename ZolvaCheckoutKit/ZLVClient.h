@@ -52,7 +52,8 @@ class ZLV_EXPORT ZLVClient {
   /// Links a wallet account. When the server asks for an activation, its page is shown over
   /// `viewController` and the completion runs once the page is gone, whatever the user did there:
   /// enquire the account to learn the outcome. The record is a `ZLVLinkAccountResponse`.
-  /// `viewController` is kept until the answer is there; with none, no page is shown.
+  /// `viewController` is kept until the answer is there; with none, or where something is presented
+  /// already, no page is shown and the completion runs at once.
   static void linkAccountWithPaymentType(Text paymentType,
                                          std::shared_ptr<ZLVPartnerDetails> zolvaPartnerDetails,
                                          std::shared_ptr<ZLVViewController> viewController,
@@ -80,5 +81,10 @@ class ZLV_EXPORT ZLVClient {
 
   /// Call it with every URL that the application is asked to open, on the main thread. A URL that
   /// contains the configured callback URL closes the page that is shown; any other is ignored.
+  ///
+  /// The page is looked for from the root view controller of the window that has the keys: through
+  /// what is presented, and from a `ZLVNavigationController` to the top of its stack. One over the
+  /// navigation controller itself, or over a child of another container (a subclass of
+  /// `ZLVNavigationController` included), is not found: present over the top of the stack.
   static void handleCallbackUrl(const ZLVURL& url);
 };
