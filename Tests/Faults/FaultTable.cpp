@@ -2,6 +2,9 @@
 
 #include <cstdio>
 #include <memory>
+#include <semaphore>
+
+#include <poll.h>
 
 #include "Tests/Faults/Certificates.h"
 
@@ -52,31 +55,38 @@ FaultSection brokenConnections(Stage& /*stage*/) {
   const std::string answer =
       RawServer::response(R"({"account_id":"acc-1"})" + std::string(950, ' '));
   const std::string noLength = head + "\r\n" + R"({"account_id":"acc-1"})";
-  return {"Connections",
-          {{.what = "refused", .arrange = refuse, .isServerLost = true},
-           {.what = "network unreachable", .url = "https://255.255.255.255", .isServerLost = true},
-           {.what = "unknown host",
-            .url = "https://" + std::string(64, 'x') + ".invalid",
-            .isServerLost = true},
-           {.what = "reset", .reply = {answer, Then::Reset}, .isCutAnywhere = true},
-           {.what = "closed", .reply = {answer, Then::Close}, .isCutAnywhere = true},
-           {.what = "closed, without Content-Length, whole", .reply = {noLength, Then::Close}},
-           {.what = "closed, without Content-Length, in the body",
-            .reply = {noLength.substr(0, noLength.size() - 5), Then::Close}},
-           {.what = "stall before the answer", .reply = {"", Then::Stall}, .timeoutInterval = soon},
-           {.what = "stall in the header",
-            .reply = {answer.substr(0, 20), Then::Stall},
-            .timeoutInterval = soon},
-           {.what = "stall in the body",
-            .reply = {answer.substr(0, 500), Then::Stall},
-            .timeoutInterval = soon},
-           {.what = "byte after byte of a header line, without end",
-            .reply = {head + "X-Slow: ", {}, "x", std::chrono::milliseconds(5)},
-            .timeoutInterval = soon},
-           {.what = "byte after byte of the body, each within the time-out, without end",
-            .reply = {head + "\r\n", {}, " ", std::chrono::milliseconds(25)},
-            .timeoutInterval = 2,
-            .maximumAnswerSize = 100}}};
+  return {
+      "Connections",
+      {{.what = "refused", .arrange = refuse, .isServerLost = true},
+       {.what = "network unreachable", .url = "https://255.255.255.255", .isServerLost = true},
+       {.what = "unknown host",
+        .url = "https://" + std::string(64, 'x') + ".invalid",
+        .isServerLost = true},
+       {.what = "reset", .reply = {answer, Then::Reset}, .isCutAnywhere = true},
+       {.what = "closed", .reply = {answer, Then::Close}, .isCutAnywhere = true},
+       {.what = "closed, without Content-Length, whole", .reply = {noLength, Then::Close}},
+       {.what = "closed, without Content-Length, in the body",
+        .reply = {noLength.substr(0, noLength.size() - 5), Then::Close}},
+       {.what = "stall before the answer", .reply = {"", Then::Stall}, .timeoutInterval = soon},
+       {.what = "stall in the header",
+        .reply = {answer.substr(0, 20), Then::Stall},
+        .timeoutInterval = soon},
+       {.what = "stall in the body",
+        .reply = {answer.substr(0, 500), Then::Stall},
+        .timeoutInterval = soon},
+       {.what = "byte after byte of a header line, without end",
+        .reply = {head + "X-Slow: ", {}, "x", std::chrono::milliseconds(5)},
+        .timeoutInterval = soon},
+       {.what = "line after line of the header, each within the time-out, without end",
+        .reply =
+            {head, {}, "X-Slow: " + std::string(8000, 'x') + "\r\n", std::chrono::milliseconds(25)},
+        .timeoutInterval = 0.5},
+       {.what = "closed in the header, after an answer 100",
+        .reply = {"HTTP/1.1 100 Continue\r\n\r\n" + head + "X-A: a\r\n", Then::Close}},
+       {.what = "byte after byte of the body, each within the time-out, without end",
+        .reply = {head + "\r\n", {}, " ", std::chrono::milliseconds(25)},
+        .timeoutInterval = 2,
+        .maximumAnswerSize = 100}}};
 }
 
 FaultSection brokenKeptConnections(Stage& /*stage*/) {
@@ -94,6 +104,35 @@ FaultSection brokenKeptConnections(Stage& /*stage*/) {
            used("GET, closed", &Library::enquire, Then::Close),
            used("GET, reset", &Library::enquire, Then::Reset),
            used("GET, closed again and again", &Library::enquire, Then::Close, 100)}};
+}
+
+FaultSection spoiltConnections(Stage& stage) {
+  const auto idle = [](const std::string& what, const std::string& late, Then then = Then::Keep) {
+    const auto gate = std::make_shared<std::binary_semaphore>(0);
+    return Fault{
+        .what = what,
+        .reply = {good},
+        .call = &Library::charge,
+        .earlierReply =
+            Reply{.bytes = good, .then = then, .gate = [gate] { gate->acquire(); }, .late = late},
+        .arrange =
+            [gate](RawServer& server) {
+              gate->release();
+              for (const int client : server.clients()) {
+                pollfd event{client, POLLIN, 0};
+                poll(&event, 1, -1);
+              }
+            },
+        .telling = Telling::TimesSent};
+  };
+  const auto forged = RawServer::response(R"({"account_id":"forged"})");
+  auto secure = idle("an answer that nobody asked for, over TLS", forged);
+  secure.tls = TLSIdentity({}, &stage.authority()).serverContext();
+  return {
+      "A kept-alive connection says something, or breaks, before the next request",
+      {idle("an answer that nobody asked for", forged), secure, idle("four bytes", "\r\n\r\n"),
+       idle("answer 408, closed", RawServer::response("{}", "408 Request Timeout"), Then::Close),
+       idle("closed", "", Then::Close), idle("reset", "", Then::Reset)}};
 }
 
 FaultSection brokenHTTP(Stage& /*stage*/) {
@@ -221,8 +260,12 @@ FaultSection redirects(Stage& stage) {
   fewer.times = 20;
   auto insecure = to("from https to http", stage.bystander().url("/"));
   insecure.tls = TLSIdentity({}, &stage.authority()).serverContext();
+  const std::string loopback = "http://127.0.0.1:1/";  // nobody listens there
+  auto lost = to("to a server that is down, POST", loopback, 303);
+  lost.call = &Library::charge;
   return {"Redirects",
           {fewer,
+           lost,
            to("a loop", "/again"),
            to("to ftp", "ftp://127.0.0.1/"),
            to("to a file", "file:///etc/passwd"),
@@ -319,6 +362,13 @@ FaultSection brokenTLS(Stage& stage) {
   Certificates::agreeOnHTTP2(*http2.tls);
   http2.reply = {"nonsense", Then::Close};
 
+  const auto demanding = [&](const std::string& what, int version) {
+    auto fault = secure(what, TLSIdentity({}, authority));
+    SSL_CTX_set_max_proto_version(fault.tls.get(), version);
+    SSL_CTX_set_verify(fault.tls.get(), SSL_VERIFY_PEER | SSL_VERIFY_FAIL_IF_NO_PEER_CERT, nullptr);
+    return fault;
+  };
+
   auto old = secure("TLS 1.0 only", TLSIdentity({}, authority));
   SSL_CTX_set_min_proto_version(old.tls.get(), TLS1_VERSION);
   SSL_CTX_set_max_proto_version(old.tls.get(), TLS1_VERSION);
@@ -333,6 +383,8 @@ FaultSection brokenTLS(Stage& stage) {
            secure("another name", TLSIdentity({.address = "127.0.0.2"}, authority)),
            secure("revoked, by a list beside the authority (revocation is not checked)",
                   stage.revoked()),
+           demanding("a client certificate is demanded, TLS 1.2", TLS1_2_VERSION),
+           demanding("a client certificate is demanded, TLS 1.3", TLS1_3_VERSION),
            old,
            {.what = "plain text on the TLS port",
             .reply = {"HTTP/1.1 400 Bad Request\r\n\r\n", Then::Close},

@@ -14,6 +14,7 @@ struct FaultSection {
 
 FaultSection brokenConnections(Stage& stage);
 FaultSection brokenKeptConnections(Stage& stage);
+FaultSection spoiltConnections(Stage& stage);
 FaultSection brokenHTTP(Stage& stage);
 FaultSection largeAnswers(Stage& stage);
 FaultSection redirects(Stage& stage);
@@ -22,6 +23,8 @@ FaultSection brokenTLS(Stage& stage);
 FaultSection brokenProxies(Stage& stage);
 
 /// The whole table, section by section.
-inline constexpr std::array faultSections{
-    &brokenConnections, &brokenKeptConnections, &brokenHTTP, &largeAnswers, &redirects, &brokenJSON,
-    &brokenTLS,         &brokenProxies};
+inline constexpr std::array faultSections{&brokenConnections, &brokenKeptConnections,
+                                          &spoiltConnections, &brokenHTTP,
+                                          &largeAnswers,      &redirects,
+                                          &brokenJSON,        &brokenTLS,
+                                          &brokenProxies};

@@ -137,14 +137,31 @@ TEST(SessionLife, ServesManyCallersAtOnce) {
   for (int caller = 0; caller < 4; ++caller) {
     callers.emplace_back([&, caller] {
       std::vector<std::pair<std::string, std::future<ZLVURLAnswer>>> answers;
-      for (int i = 0; i < 50; ++i) {
-        const auto path = "/" + std::to_string(caller * 100 + i);
+      for (int i = 0; i < 250; ++i) {
+        const auto path = "/" + std::to_string(caller * 1000 + i);
         answers.emplace_back("GET " + path, start(*session, request(server.url(path))));
       }
       for (auto& [expected, answer] : answers) EXPECT_EQ(answer.get().data, expected);
     });
   }
   for (auto& caller : callers) caller.join();
+  EXPECT_LE(server.connections(), 64);
+}
+
+TEST(SessionLife, EndsInAHandler) {
+  RawServer server([](const std::string& request) {
+    return request.starts_with("GET") ? Reply{RawServer::response("{}")} : Reply{"", Then::Stall};
+  });
+  auto session = makeSession();
+  auto stalled = start(*session, request(server.url(), "POST"));
+  std::promise<void> ended;
+  session->dataTask(request(server.url()), [&](auto) {
+    session.reset();
+    ended.set_value();
+  });
+  ended.get_future().get();
+  EXPECT_EQ(code(stalled.get()), NSURLErrorCancelled);
+  EXPECT_EQ(code(call(request(server.url()))), 0);
 }
 
 bool isCurlShort = false;

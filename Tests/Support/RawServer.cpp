@@ -2,6 +2,7 @@
 
 #include <csignal>
 #include <cstdlib>
+#include <filesystem>
 #include <stdexcept>
 #include <utility>
 
@@ -102,6 +103,21 @@ std::vector<std::string> RawServer::requests() const {
   return requests_;
 }
 
+std::vector<int> RawServer::clients() const {
+  std::vector<int> sockets;
+  for (const auto& entry : std::filesystem::directory_iterator("/proc/self/fd")) {
+    const int descriptor = std::stoi(entry.path().filename());
+    sockaddr_in peer{};
+    socklen_t size = sizeof peer;
+    // NOLINTNEXTLINE(*-reinterpret-cast)
+    if (getpeername(descriptor, reinterpret_cast<sockaddr*>(&peer), &size) == 0 &&
+        peer.sin_family == AF_INET && ntohs(peer.sin_port) == port()) {
+      sockets.push_back(descriptor);
+    }
+  }
+  return sockets;
+}
+
 void RawServer::stopListening() { shutdown(listener_.socket(), SHUT_RDWR); }
 
 void RawServer::accept() {
@@ -145,6 +161,8 @@ void RawServer::serve(Connection& connection) {
       while (connection.write(reply.repeated) && connection.isWanted(reply.pause)) {
       }
     }
+    if (reply.gate) reply.gate();
+    connection.write(reply.late);
     then = reply.then;
   }
   if (then == Then::Stall) return;

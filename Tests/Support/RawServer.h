@@ -47,6 +47,9 @@ class RawServer {
     /// Follows again and again, with a pause after each time, until the client hangs up.
     std::string repeated = {};
     std::chrono::milliseconds pause{0};
+    /// Waits for the moment when `late` is to follow and `then` to happen.
+    std::function<void()> gate = {};
+    std::string late = {};
   };
   /// Answers one request, given as its head and body, or the first bytes of a TLS client that this
   /// server does not understand; runs on the connection's thread.
@@ -65,6 +68,8 @@ class RawServer {
   /// All requests, in the order in which they were read.
   [[nodiscard]] std::vector<std::string> requests() const;
   [[nodiscard]] int connections() const { return connections_; }
+  /// The sockets of this process's connections to the server.
+  [[nodiscard]] std::vector<int> clients() const;
 
   /// Further connections are refused; those there are stay.
   void stopListening();

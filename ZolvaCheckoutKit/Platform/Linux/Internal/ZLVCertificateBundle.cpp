@@ -32,6 +32,7 @@ ZLVCertificateBundle::ZLVCertificateBundle(const char* systemFile, const std::st
   descriptor_ = memfd_create("certificate authorities", MFD_CLOEXEC);
   if (descriptor_ >= 0 && writeAll(descriptor_, system + '\n' + further)) {
     path_ = "/proc/self/fd/" + std::to_string(descriptor_);
+    isWhole_ = true;
   }
 }
 

@@ -18,7 +18,11 @@ class ZLVCertificateBundle {
   /// which libcurl then complains of, where that could not be read.
   [[nodiscard]] const std::string& path() const noexcept { return path_; }
 
+  /// Whether it is both; one that is not may be made again.
+  [[nodiscard]] bool isWhole() const noexcept { return isWhole_; }
+
  private:
   int descriptor_ = -1;
   std::string path_;
+  bool isWhole_ = false;
 };

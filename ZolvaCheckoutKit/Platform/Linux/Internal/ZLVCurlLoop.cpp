@@ -5,6 +5,8 @@
 #include <utility>
 
 #include <pthread.h>
+#include <sys/eventfd.h>
+#include <unistd.h>
 
 #include <ZolvaCheckoutKit/Platform/Linux/Internal/ZLVCurlLoop.h>
 #include <ZolvaCheckoutKit/Platform/Linux/Internal/ZLVCurlLoops.h>
@@ -43,6 +45,14 @@ void limitCookies(CURL* handle) {
   }
 }
 
+/// Of one server's, so that the host keeps descriptors for itself. Calls that share a connection
+/// count as well.
+constexpr std::size_t maximumUnderWay = 64;
+
+/// How often libcurl is driven while it connects, and how soon the thread looks for work while it
+/// cannot be woken.
+constexpr std::chrono::milliseconds often(100);
+
 /// The host's signal handlers run on the host's threads, and a broken connection does not end the
 /// process by SIGPIPE. What the thread itself does wrong is still reported.
 void blockSignals() {
@@ -59,28 +69,32 @@ void blockSignals() {
 ZLVCurlLoop::ZLVCurlLoop(ZLVCurlConfiguration configuration, std::optional<std::string> CAFile)
     : configuration_(std::move(configuration)), CAFile_(std::move(CAFile)) {}
 
+ZLVCurlLoop::~ZLVCurlLoop() {
+  if (wake_ >= 0) close(wake_);
+}
+
 void ZLVCurlLoop::start() {
   thread_ = std::thread([this] { run(); });
 }
 
 void ZLVCurlLoop::add(std::unique_ptr<ZLVCurlTransfer> transfer) {
-  CURLM* asleep = nullptr;
+  int wake = -1;
   {
     const std::lock_guard lock(mutex_);
     added_.push_back(std::move(transfer));
-    if (std::exchange(isAsleep_, false)) asleep = multi_;
+    if (std::exchange(isAsleep_, false)) wake = wake_;
   }
   // The thread wants the lock as soon as it is awake.
-  if (asleep != nullptr) curl_multi_wakeup(asleep);
+  if (wake >= 0) eventfd_write(wake, 1);
 }
 
 void ZLVCurlLoop::end(End how) {
   {
     const std::lock_guard lock(mutex_);
     end_ = how;
-    if (multi_ != nullptr) curl_multi_wakeup(multi_);
+    if (wake_ >= 0) eventfd_write(wake_, 1);
   }
-  if (thread_.joinable() && thread_.get_id() != std::this_thread::get_id()) thread_.join();
+  if (thread_.joinable() && !isCurrent()) thread_.join();
 }
 
 void ZLVCurlLoop::run() {
@@ -100,6 +114,19 @@ void ZLVCurlLoop::run() {
 
 void ZLVCurlLoop::setUp() {
   ZLVCurlLoops::setUpLibrary();
+  readAuthorities();
+  multi_ = curl_multi_init();
+  configuration_.share = curl_share_init();
+  configuration_.sockets = &sockets_;
+  if (multi_ == nullptr || configuration_.share == nullptr) throw std::bad_alloc();
+  // By itself libcurl keeps four times as many as there are calls, and not always the latest.
+  curl_multi_setopt(multi_, CURLMOPT_MAXCONNECTS, static_cast<long>(maximumUnderWay));
+  // No locks are given: only this thread uses what is shared.
+  curl_share_setopt(configuration_.share, CURLSHOPT_SHARE, CURL_LOCK_DATA_COOKIE);
+  curl_share_setopt(configuration_.share, CURLSHOPT_SHARE, CURL_LOCK_DATA_SSL_SESSION);
+}
+
+void ZLVCurlLoop::readAuthorities() {
   // What curl_version_info tells as well, but that asks every library below libcurl for its
   // version.
   char* systemFile = nullptr;
@@ -108,21 +135,11 @@ void ZLVCurlLoop::setUp() {
   if (CAFile_) {
     configuration_.certificateAuthorities = bundle_.emplace(systemFile, *CAFile_).path();
   }
-  CURLM* multi = curl_multi_init();
-  configuration_.share = curl_share_init();
-  if (multi == nullptr || configuration_.share == nullptr) throw std::bad_alloc();
-  // No locks are given: only this thread uses what is shared.
-  curl_share_setopt(configuration_.share, CURLSHOPT_SHARE, CURL_LOCK_DATA_COOKIE);
-  curl_share_setopt(configuration_.share, CURLSHOPT_SHARE, CURL_LOCK_DATA_SSL_SESSION);
-
-  const std::lock_guard lock(mutex_);
-  multi_ = multi;
 }
 
 void ZLVCurlLoop::tearDown() {
-  while (!transfers_.empty()) fail(transfers_.begin()->first, NSURLErrorCancelled);
-  const std::lock_guard lock(mutex_);
-  curl_multi_cleanup(std::exchange(multi_, nullptr));
+  while (!calls_.empty()) fail(calls_.begin()->first, NSURLErrorCancelled);
+  curl_multi_cleanup(multi_);
   curl_share_cleanup(configuration_.share);
 }
 
@@ -135,6 +152,7 @@ ZLVCurlLoop::End ZLVCurlLoop::takeAdded() {
     end = end_;
     if (end != End::Abandon) added.swap(added_);
   }
+  if (!added.empty() && bundle_ && !bundle_->isWhole()) readAuthorities();
   for (auto& transfer : added) begin(std::move(transfer));
   return end;
 }
@@ -147,28 +165,44 @@ void ZLVCurlLoop::begin(std::unique_ptr<ZLVCurlTransfer> transfer) {
 
 void ZLVCurlLoop::take(std::unique_ptr<ZLVCurlTransfer> transfer) {
   CURL* handle = transfer->handle();
-  transfers_.emplace(handle, std::move(transfer));
-  send(handle);
+  const auto name = transfer->server();
+  Server& server = servers_.try_emplace(name, Server{!name.starts_with("https")}).first->second;
+  calls_.emplace(handle, Call{std::move(transfer), &server});
+  server.waiting.push_back(handle);
+  sendWaiting(server);
 }
 
-void ZLVCurlLoop::send(CURL* handle) {
-  if (const auto server = transfers_.at(handle)->awaitedServer(); !server.empty()) {
-    auto& [first, others] = waiting_.try_emplace(server, Waiting{handle, {}}).first->second;
-    if (first != handle) return others.push_back(handle);
+void ZLVCurlLoop::sendWaiting(Server& server) {
+  const auto allowed = server.isReached ? maximumUnderWay : 1;
+  while (!server.waiting.empty() && server.underWay < allowed) {
+    CURL* handle = server.waiting.front();
+    server.waiting.pop_front();
+    server.first = handle;
+    ++server.underWay;
+    calls_.at(handle).isWaiting = false;
+    if (curl_multi_add_handle(multi_, handle) != CURLM_OK) fail(handle, NSURLErrorUnknown);
   }
-  if (curl_multi_add_handle(multi_, handle) != CURLM_OK) fail(handle, NSURLErrorUnknown);
 }
 
 void ZLVCurlLoop::sendWaiting() {
-  std::erase_if(waiting_, [this](const auto& entry) {
-    const auto& [server, calls] = entry;
-    const auto first = transfers_.find(calls.first);
-    if (first != transfers_.end() && first->second->awaitedServer() == server) return false;
-    for (CURL* handle : calls.others) {
-      if (transfers_.contains(handle)) curl_multi_add_handle(multi_, handle);
-    }
-    return true;
-  });
+  for (auto& [name, server] : servers_) {
+    server.isReached = server.isReached || calls_.at(server.first).transfer->isSent();
+    sendWaiting(server);
+  }
+  std::erase_if(servers_, [](const auto& entry) { return entry.second.underWay == 0; });
+}
+
+std::unique_ptr<ZLVCurlTransfer> ZLVCurlLoop::release(CURL* handle) {
+  curl_multi_remove_handle(multi_, handle);
+  limitCookies(handle);
+  auto [transfer, server, isWaiting] = std::move(calls_.extract(handle).mapped());
+  if (isWaiting) {
+    server->waiting.remove(handle);
+  } else {
+    --server->underWay;
+    server->isReached = true;  // or never will be
+  }
+  return std::move(transfer);
 }
 
 void ZLVCurlLoop::takeDone() {
@@ -176,9 +210,8 @@ void ZLVCurlLoop::takeDone() {
   while (const CURLMsg* message = curl_multi_info_read(multi_, &remaining)) {
     CURL* handle = message->easy_handle;
     const CURLcode result = message->data.result;  // NOLINT(*-union-access): libcurl's
-    curl_multi_remove_handle(multi_, handle);
-    limitCookies(handle);
-    auto transfer = std::move(transfers_.extract(handle).mapped());
+    if (result == CURLE_OK) sockets_.keep(handle);
+    auto transfer = release(handle);
     if (transfer->continueAfter(result)) {
       take(std::move(transfer));
     } else {
@@ -192,20 +225,18 @@ void ZLVCurlLoop::failIdle() {
   if (now < nextDeadline_) return;
   nextDeadline_ = Clock::time_point::max();
   std::vector<CURL*> idle;
-  for (const auto& [handle, transfer] : transfers_) {
-    if (transfer->deadline() <= now) {
+  for (const auto& [handle, call] : calls_) {
+    if (call.transfer->deadline() <= now) {
       idle.push_back(handle);
     } else {
-      nextDeadline_ = std::min(nextDeadline_, transfer->deadline());
+      nextDeadline_ = std::min(nextDeadline_, call.transfer->deadline());
     }
   }
   for (CURL* handle : idle) fail(handle, NSURLErrorTimedOut);
 }
 
 void ZLVCurlLoop::fail(CURL* handle, NSURLError code) {
-  curl_multi_remove_handle(multi_, handle);
-  limitCookies(handle);
-  const auto transfer = std::move(transfers_.extract(handle).mapped());
+  const auto transfer = release(handle);
   transfer->fail(code);
   transfer->complete();
 }
@@ -214,13 +245,19 @@ void ZLVCurlLoop::sleep() {
   {
     const std::lock_guard lock(mutex_);
     if (!added_.empty() || end_ != End::None) return;
+    if (wake_ < 0) wake_ = eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK);
     isAsleep_ = true;
   }
-  curl_multi_poll(multi_, nullptr, 0, pollMilliseconds(), nullptr);
+  curl_waitfd wake{wake_, CURL_WAIT_POLLIN, 0};
+  curl_multi_poll(multi_, &wake, wake_ < 0 ? 0 : 1, pollMilliseconds(), nullptr);
+  eventfd_t count = 0;
+  if (wake.revents != 0) eventfd_read(wake_, &count);
 }
 
-int ZLVCurlLoop::pollMilliseconds() const {
+int ZLVCurlLoop::pollMilliseconds() {
   const auto now = Clock::now();
-  const auto moment = std::clamp(nextDeadline_, now, now + std::chrono::hours(1));
+  const bool isBrief = sockets_.checkAttempts() || wake_ < 0;
+  const Clock::duration longest = isBrief ? often : std::chrono::hours(1);
+  const auto moment = std::clamp(nextDeadline_, now, now + longest);
   return static_cast<int>(std::chrono::ceil<std::chrono::milliseconds>(moment - now).count());
 }

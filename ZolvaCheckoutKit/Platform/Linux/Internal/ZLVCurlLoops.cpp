@@ -1,6 +1,7 @@
 #include <cstdlib>
 #include <mutex>
 #include <set>
+#include <system_error>
 
 #include <unistd.h>
 
@@ -35,12 +36,15 @@ struct SetUpGuard {
 
 }  // namespace
 
-void ZLVCurlLoops::start(const std::shared_ptr<ZLVCurlLoop>& loop) {
+bool ZLVCurlLoops::start(const std::shared_ptr<ZLVCurlLoop>& loop) try {
   const std::lock_guard lock(registry().mutex);
-  if (registry().isExiting) return;
+  if (registry().isExiting || registry().loops.contains(loop)) return true;
   [[maybe_unused]] static thread_local const SetUpGuard guard;
   loop->start();
   registry().loops.insert(loop);
+  return true;
+} catch (const std::system_error&) {
+  return false;
 }
 
 void ZLVCurlLoops::stop(const std::shared_ptr<ZLVCurlLoop>& loop) {
@@ -48,7 +52,8 @@ void ZLVCurlLoops::stop(const std::shared_ptr<ZLVCurlLoop>& loop) {
   {
     const std::lock_guard lock(registry().mutex);
     if (registry().isExiting) return;
-    registry().loops.erase(loop);
+    // A loop that is ended on its own thread needs itself for some time yet; exit waits for it.
+    if (!loop->isCurrent()) registry().loops.erase(loop);
   }
   loop->end(ZLVCurlLoop::End::Cancel);
 }

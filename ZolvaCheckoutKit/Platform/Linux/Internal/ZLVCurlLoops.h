@@ -10,10 +10,11 @@
 /// any more when their own exit handlers run, so the threads are ended before.
 class ZLVCurlLoops {
  public:
-  /// Starts the loop and keeps it until `stop`; does not start it while the process exits.
-  static void start(const std::shared_ptr<ZLVCurlLoop>& loop);
+  /// Starts the loop, if it has not been, and keeps it until `stop`; does not start it while the
+  /// process exits. False when there is no thread to be had.
+  static bool start(const std::shared_ptr<ZLVCurlLoop>& loop);
 
-  /// Cancels the loop and lets it go, except while the process exits.
+  /// Cancels the loop and lets it go, except while the process exits. Any thread.
   static void stop(const std::shared_ptr<ZLVCurlLoop>& loop);
 
   /// Initialises libcurl, once for all threads that call this.

@@ -6,12 +6,12 @@
 
 ZLVCurlSession::ZLVCurlSession(ZLVCurlConfiguration configuration,
                                std::optional<std::string> CAFile)
-    : loop_(std::make_shared<ZLVCurlLoop>(std::move(configuration), std::move(CAFile))) {
-  ZLVCurlLoops::start(loop_);
-}
+    : loop_(std::make_shared<ZLVCurlLoop>(std::move(configuration), std::move(CAFile))) {}
 
 ZLVCurlSession::~ZLVCurlSession() { ZLVCurlLoops::stop(loop_); }
 
 void ZLVCurlSession::dataTask(ZLVURLRequest request, CompletionHandler handler) {
-  loop_->add(std::make_unique<ZLVCurlTransfer>(std::move(request), std::move(handler)));
+  // Without a thread the handler is let go of.
+  if (ZLVCurlLoops::start(loop_))
+    loop_->add(std::make_unique<ZLVCurlTransfer>(std::move(request), std::move(handler)));
 }

@@ -9,8 +9,8 @@
 
 class ZLVCurlLoop;
 
-/// Sends HTTP requests with libcurl, on a thread of its own on which the handlers are called. Must
-/// not be destroyed on that thread.
+/// Sends HTTP requests with libcurl, on a thread of its own on which the handlers are called. The
+/// thread starts with the first request.
 class ZLVCurlSession final : public ZLVURLSession {
  public:
   ZLVCurlSession(ZLVCurlConfiguration configuration, std::optional<std::string> CAFile);

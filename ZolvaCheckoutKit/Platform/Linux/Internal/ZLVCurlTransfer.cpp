@@ -4,8 +4,6 @@
 #include <utility>
 #include <variant>
 
-#include <sys/socket.h>
-
 #include <ZolvaCheckoutKit/Platform/Linux/Internal/ZLVCurlTransfer.h>
 #include <ZolvaCheckoutKit/Platform/Linux/Internal/ZLVTransportError.h>
 
@@ -20,6 +18,9 @@ constexpr bool isStatus(long number) { return number >= 100 && number <= 999; }
 /// Less than libcurl's limit by the longest cookie that it keeps: where not even the first cookie
 /// fits behind the URL, it leaves the header unfinished, and the server waits for the rest.
 constexpr std::size_t maximumURLSizeWithCookies = 3500;
+
+/// Finding and securing included, and shared among a host's addresses.
+constexpr std::chrono::minutes maximumTimeToConnect(1);
 
 ZLVCurlTransfer::Clock::duration interval(double seconds) {
   // Within what the clock can count; a value that is no number becomes the least.
@@ -91,18 +92,22 @@ struct ZLVCurlTransfer::Callbacks {
   }
 
   /// Asked before each time that the request is sent.
-  static int send(void* self, char* /*peer*/, char* /*local*/, int /*peerPort*/,
-                  int /*localPort*/) {
+  static int send(void* self, char* peer, char* local, int peerPort, int localPort) {
     auto& transfer = *static_cast<ZLVCurlTransfer*>(self);
+    auto& sockets = *transfer.configuration_->sockets;
     if (transfer.refusesToSend()) return CURL_PREREQFUNC_ABORT;
+    transfer.isSpoilt_ = sockets.isReadable(local, localPort, peer, peerPort);
+    if (transfer.isSpoilt_) return CURL_PREREQFUNC_ABORT;
+    sockets.settle(transfer.manner_);
     transfer.isSent_ = true;
     transfer.lastProgress_ = Clock::now();
     return CURL_PREREQFUNC_OK;
   }
 
   static curl_socket_t open(void* self, curlsocktype /*purpose*/, curl_sockaddr* address) {
-    if (static_cast<ZLVCurlTransfer*>(self)->refusesToSend()) return CURL_SOCKET_BAD;
-    return socket(address->family, address->socktype | SOCK_CLOEXEC, address->protocol);
+    auto& transfer = *static_cast<ZLVCurlTransfer*>(self);
+    if (transfer.refusesToSend()) return CURL_SOCKET_BAD;
+    return transfer.configuration_->sockets->open(*address, transfer.manner_);
   }
 };
 
@@ -126,6 +131,7 @@ bool ZLVCurlTransfer::start(const ZLVCurlConfiguration& configuration) {
 }
 
 bool ZLVCurlTransfer::continueAfter(CURLcode result) {
+  if (mustStartAgain(result)) return prepare();
   long status = 0;
   curl_easy_getinfo(handle(), CURLINFO_RESPONSE_CODE, &status);
   curl_header* location = nullptr;
@@ -143,14 +149,24 @@ bool ZLVCurlTransfer::continueAfter(CURLcode result) {
     return false;
   }
   hop_ = std::get<ZLVHTTPHop>(std::move(next));
+  isSent_ = false;
+  mustConnect_ = false;
+  manner_ = {};
   return prepare();
+}
+
+bool ZLVCurlTransfer::mustStartAgain(CURLcode result) {
+  // No address answered soon. There is time now.
+  const bool wasHasty = result == CURLE_COULDNT_CONNECT && manner_.hasGivenUp && !isSent_;
+  if (wasHasty) manner_ = {.isHasty = false};
+  if (isSpoilt_) mustConnect_ = true;
+  return std::exchange(isSpoilt_, false) || wasHasty;
 }
 
 bool ZLVCurlTransfer::prepare() {
   answer_ = {};
   headerSize_ = 0;
   isHeaderWhole_ = false;
-  isSent_ = false;
   if (const auto code = refusal()) {
     fail(*code);
     return false;
@@ -185,9 +201,8 @@ bool ZLVCurlTransfer::refusesToSend() {
   return isLost_;
 }
 
-std::string ZLVCurlTransfer::awaitedServer() const {
-  if (isSent_ || hop_.url.scheme != "https") return {};
-  return hop_.url.host + ':' + hop_.url.port;
+std::string ZLVCurlTransfer::server() const {
+  return hop_.url.scheme + ':' + hop_.url.host + ':' + hop_.url.port;
 }
 
 template <class Value>
@@ -213,6 +228,8 @@ void ZLVCurlTransfer::setCallOptions() {
   set(CURLOPT_PREREQDATA, this);
   set(CURLOPT_OPENSOCKETFUNCTION, &Callbacks::open);
   set(CURLOPT_OPENSOCKETDATA, this);
+  set(CURLOPT_CLOSESOCKETFUNCTION, &ZLVCurlSockets::close);
+  set(CURLOPT_CLOSESOCKETDATA, configuration_->sockets);
 
   set(CURLOPT_TCP_KEEPALIVE, 1L);
   set(CURLOPT_SSLVERSION, static_cast<long>(CURL_SSLVERSION_TLSv1_2));
@@ -222,9 +239,10 @@ void ZLVCurlTransfer::setCallOptions() {
     set(CURLOPT_CAINFO, file.c_str());
   }
 
-  // The session ends what is idle; this only makes libcurl share the time among a host's addresses.
+  // The session ends what is idle.
   using Milliseconds = std::chrono::duration<long, std::milli>;
-  set(CURLOPT_CONNECTTIMEOUT_MS, std::chrono::ceil<Milliseconds>(timeoutInterval_).count());
+  const auto connecting = std::min<Clock::duration>(timeoutInterval_, maximumTimeToConnect);
+  set(CURLOPT_CONNECTTIMEOUT_MS, std::chrono::ceil<Milliseconds>(connecting).count());
   set(CURLOPT_NOPROGRESS, 0L);
   set(CURLOPT_XFERINFOFUNCTION, &Callbacks::progress);
   set(CURLOPT_XFERINFODATA, this);
@@ -235,6 +253,7 @@ void ZLVCurlTransfer::setCallOptions() {
 
 void ZLVCurlTransfer::setHopOptions() {
   set(CURLOPT_URL, hop_.url.text.c_str());
+  set(CURLOPT_FRESH_CONNECT, mustConnect_ ? 1L : 0L);
   // The host stands in the header twice.
   const bool takesCookies =
       hop_.url.text.size() + hop_.url.host.size() <= maximumURLSizeWithCookies;
@@ -279,9 +298,11 @@ void ZLVCurlTransfer::conclude(CURLcode result) {
     answer_.statusCode = static_cast<int>(status);
     return;
   }
-  auto code = isLost_ ? NSURLErrorNetworkConnectionLost : ZLVTransportError::code(result, handle());
-  // Lost on the way to a server behind a proxy.
+  auto code = isLost_ ? NSURLErrorNetworkConnectionLost
+                      : ZLVTransportError::code(result, handle(), message_.data());
+  // Lost on the way to a server behind a proxy, or lost and not found again.
   if (code == NSURLErrorNetworkConnectionLost && !isSent_) code = NSURLErrorCannotConnectToHost;
+  if (code == NSURLErrorCannotConnectToHost && isSent_) code = NSURLErrorNetworkConnectionLost;
   const std::string message = isLost_                 ? "the request was not sent again"
                               : message_.front() != 0 ? message_.data()
                                                       : curl_easy_strerror(result);
@@ -290,7 +311,8 @@ void ZLVCurlTransfer::conclude(CURLcode result) {
 
 void ZLVCurlTransfer::fail(NSURLError code, const std::string& underlying) {
   answer_ = {};
-  answer_.error = ZLVTransportError::error(code, hop_.url.text, underlying);
+  const bool wasSent = isSent_ || hop_.redirects > 0;
+  answer_.error = ZLVTransportError::error(code, hop_.url.text, wasSent, underlying);
 }
 
 void ZLVCurlTransfer::complete() { std::move(handler_)(std::move(answer_)); }

@@ -8,6 +8,7 @@
 
 #include <curl/curl.h>
 
+#include <ZolvaCheckoutKit/Platform/Linux/Internal/ZLVCurlSockets.h>
 #include <ZolvaCheckoutKit/Platform/Linux/Internal/ZLVHTTPHop.h>
 #include <ZolvaCheckoutKit/Platform/ZLVURLSession.h>
 
@@ -21,6 +22,7 @@ struct ZLVCurlConfiguration {
   std::string certificateAuthorities = {};
   /// Cookies and TLS sessions.
   CURLSH* share = nullptr;
+  ZLVCurlSockets* sockets = nullptr;
 };
 
 /// One call: its request on the way along redirects, and its answer so far. Used on the session's
@@ -49,8 +51,11 @@ class ZLVCurlTransfer {
   /// hop.
   bool continueAfter(CURLcode result);
 
-  /// Host and port of the https server that the call is to reach; empty once it has, and for http.
-  [[nodiscard]] std::string awaitedServer() const;
+  /// The server that the call is on the way to: scheme, host and port.
+  [[nodiscard]] std::string server() const;
+
+  /// Whether the request has gone out to that server.
+  [[nodiscard]] bool isSent() const { return isSent_; }
 
   /// The moment at which the call has made no progress for too long.
   [[nodiscard]] Clock::time_point deadline() const { return lastProgress_ + timeoutInterval_; }
@@ -72,6 +77,7 @@ class ZLVCurlTransfer {
   void addLine(const std::string& text);
   [[nodiscard]] std::optional<NSURLError> refusal() const;
   bool refusesToSend();
+  bool mustStartAgain(CURLcode result);
   void conclude(CURLcode result);
 
   ZLVURLRequest request_;
@@ -84,8 +90,11 @@ class ZLVCurlTransfer {
   ZLVURLAnswer answer_;
   curl_off_t bytesMoved_ = 0;
   CURLcode setting_ = CURLE_OK;
-  bool isSent_ = false;  // this hop
-  bool isLost_ = false;  // libcurl wanted to send this hop again
+  bool isSent_ = false;       // this hop
+  bool isLost_ = false;       // libcurl wanted to send this hop again
+  bool isSpoilt_ = false;     // the connection was, on which this hop was to be sent
+  bool mustConnect_ = false;  // this hop, on a connection of its own
+  ZLVCurlSockets::Manner manner_;
   bool isTooLarge_ = false;
   bool isOutOfMemory_ = false;
   bool isHeaderWhole_ = false;

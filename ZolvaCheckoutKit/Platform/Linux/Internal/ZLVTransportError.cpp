@@ -14,6 +14,16 @@ struct Description {
   std::string_view text;  // % stands for the server
 };
 
+/// Where a server redirected the request. The others hold there as well.
+constexpr auto descriptionsWhenSent = std::to_array<Description>({
+    {NSURLErrorCannotConnectToHost,
+     "The request was redirected to %, which could not be reached. It may have been carried out "
+     "all the same."},
+    {NSURLErrorAppTransportSecurityRequiresSecureConnection,
+     "The request was redirected to %, and not sent there, because the connection would not be "
+     "encrypted. It may have been carried out all the same."},
+});
+
 constexpr auto descriptions = std::to_array<Description>({
     {NSURLErrorCancelled, "The call was cancelled."},
     {NSURLErrorBadURL, "The request cannot be sent: its URL, method or a header is malformed."},
@@ -47,7 +57,7 @@ constexpr auto descriptions = std::to_array<Description>({
      "own, give its certificate as the CA file."},
     {NSURLErrorServerCertificateNotYetValid,
      "The certificate of % is not valid yet. Check this machine's clock."},
-    {NSURLErrorClientCertificateRejected, "% refused the client certificate."},
+    {NSURLErrorClientCertificateRejected, "% demands a client certificate."},
     {NSURLErrorUnknown, "The call to % failed."},
 });
 
@@ -131,8 +141,11 @@ long detail(CURLcode result, CURL* transfer) {
   }
 }
 
-std::string description(NSURLError code, const std::string& URL) {
-  const auto* found = std::ranges::find(descriptions, code, &Description::code);
+std::string description(NSURLError code, const std::string& URL, bool wasSent) {
+  const auto* found = std::ranges::find(descriptionsWhenSent, code, &Description::code);
+  if (!wasSent || found == descriptionsWhenSent.end()) {
+    found = std::ranges::find(descriptions, code, &Description::code);
+  }
   std::string text(found->text);
   if (const auto mark = text.find('%'); mark != std::string_view::npos) {
     const auto url = ZLVWebURL::parsed(URL);
@@ -143,16 +156,21 @@ std::string description(NSURLError code, const std::string& URL) {
 
 }  // namespace
 
-ZLVError ZLVTransportError::error(NSURLError code, const std::string& URL,
+ZLVError ZLVTransportError::error(NSURLError code, const std::string& URL, bool wasSent,
                                   const std::string& underlying) {
   ZLVDictionary userInfo{
-      {std::string(NSLocalizedDescriptionKey), description(code, URL)},
+      {std::string(NSLocalizedDescriptionKey), description(code, URL, wasSent)},
       {std::string(NSURLErrorFailingURLStringErrorKey), ZLVWebURL::withoutCredentials(URL)}};
   if (!underlying.empty()) userInfo.set(NSUnderlyingErrorKey, underlying);
+  if (wasSent) userInfo.set(ZLVErrorRequestWasSentKey, true);
   return ZLVError::errorWithDomain(NSURLErrorDomain, code, std::move(userInfo));
 }
 
-NSURLError ZLVTransportError::code(CURLcode result, CURL* transfer) {
+NSURLError ZLVTransportError::code(CURLcode result, CURL* transfer, std::string_view message) {
+  // TLS 1.3 tells only once the request is on its way, and libcurl only in OpenSSL's words.
+  if (result == CURLE_RECV_ERROR && message.find("certificate required") != message.npos) {
+    return NSURLErrorClientCertificateRejected;
+  }
   const long wanted = detail(result, transfer);
   const auto* found = std::ranges::find_if(meanings, [&](const Meaning& meaning) {
     return meaning.result == result && (meaning.detail == any || meaning.detail == wanted);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 
 #include <curl/curl.h>
 
@@ -10,10 +11,10 @@
 class ZLVTransportError {
  public:
   /// An error about `URL`, with a description for people and, where libcurl had its part in it,
-  /// `underlying`: libcurl's code and words.
-  static ZLVError error(NSURLError code, const std::string& URL,
+  /// `underlying`: libcurl's code and words. `wasSent` tells whether any server got the request.
+  static ZLVError error(NSURLError code, const std::string& URL, bool wasSent,
                         const std::string& underlying = {});
 
-  /// The code for what libcurl reports of `transfer`.
-  static NSURLError code(CURLcode result, CURL* transfer);
+  /// The code for what libcurl reports of `transfer`, in `message` too.
+  static NSURLError code(CURLcode result, CURL* transfer, std::string_view message);
 };
