@@ -23,77 +23,11 @@ class Library : public testing::Test {
     ZLVClient::initWithMerchantServerURL(sandbox.baseURL(), "M-1", "app://done", false);
   }
 
-  template <class Record>
-  std::optional<ZLVError> failureOf(
-      const std::function<void(ZLVCompletionHandler<Record>)>& start) {
-    std::optional<ZLVError> failure;
-    start([&](std::shared_ptr<Record> record, std::optional<ZLVError> error) {
-      EXPECT_NE(record == nullptr, !error);
-      failure = std::move(error);
-      queue->stop();
-    });
-    queue->run();
-    return failure;
-  }
-  std::optional<ZLVError> enquire() {
-    return failureOf<ZLVAccountInfo>(
-        [](auto done) { ZLVClient::enquireAccountWithAccountID("a", std::move(done)); });
-  }
-  std::optional<ZLVError> unlink() {
-    return failureOf<ZLVDisableAccountResult>(
-        [](auto done) { ZLVClient::disableAccountWithAccountID("a", std::move(done)); });
-  }
-
   ZLVSandbox sandbox;
   std::shared_ptr<ZLVLinuxMainQueue> queue = ZLVLinuxMainQueue::mainQueue();
 };
 
 }  // namespace
-
-TEST_F(Library, EveryKindOfHostileAnswerIsOneErrorValue) {
-  const std::pair<ZLVMisbehaviour, std::pair<std::string_view, std::int64_t>> cases[] = {
-      {{.status = 418, .body = "{}"}, {ZLVErrorDomain, 418}},
-      {{.body = R"({"status_code":"406"})"}, {ZLVErrorDomain, 406}},
-      {{.body = "{\"a\":"}, {NSCocoaErrorDomain, 3840}},
-      {{.body = ""}, {NSCocoaErrorDomain, 3840}},
-      {{.body = "[{}]"}, {NSCocoaErrorDomain, 3840}},
-      {{.body = std::string(100'000, '[')}, {NSCocoaErrorDomain, 3840}},
-      {{.status = 204}, {NSCocoaErrorDomain, 3840}},
-      {{.headers = {{"Content-Length", "100000"}},
-        .interruption = {{Break::Close, Point::AfterBody}}},
-       {NSURLErrorDomain, NSURLErrorNetworkConnectionLost}},
-      {{.interruption = {{Break::Close, Point::BeforeHeader}}},
-       {NSURLErrorDomain, NSURLErrorNetworkConnectionLost}},
-      {{.interruption = {{Break::Reset, Point::InHeader}}},
-       {NSURLErrorDomain, NSURLErrorNetworkConnectionLost}},
-      {{.interruption = {{Break::Reset, Point::InBody}}},
-       {NSURLErrorDomain, NSURLErrorNetworkConnectionLost}},
-      {{.bodySize = 65ULL << 20}, {NSURLErrorDomain, NSURLErrorDataLengthExceedsMaximum}},
-  };
-  for (const auto& [misbehaviour, expected] : cases) {
-    sandbox.misbehave({.pathPrefix = "/v2/"}, misbehaviour);
-    const auto failure = unlink();
-    ASSERT_TRUE(failure);
-    EXPECT_EQ(failure->domain(), expected.first) << failure->debugDescription();
-    EXPECT_EQ(failure->code(), expected.second) << failure->debugDescription();
-    EXPECT_EQ(enquire()->code(), 404) << "the library does not work on afterwards";
-  }
-}
-
-TEST_F(Library, AChargeOnAConnectionThatIsLostGoesOutOnce) {
-  for (const auto how : {Break::Close, Break::Reset}) {
-    enquire();  // leaves a connection to be used again
-    const auto before = sandbox.requests().size();
-    sandbox.misbehave({.method = "POST", .pathPrefix = "/v2/"},
-                      {.interruption = {{how, Point::BeforeHeader}}});
-    EXPECT_EQ(unlink()->code(), NSURLErrorNetworkConnectionLost);
-    enquire();
-    const auto requests = sandbox.requests();
-    EXPECT_EQ(std::count_if(requests.begin() + static_cast<std::ptrdiff_t>(before), requests.end(),
-                            [](const auto& request) { return request.path().ends_with("unbind"); }),
-              1);
-  }
-}
 
 TEST_F(Library, TenThousandCallsUnderRandomFaultsAnswerTenThousandTimes) {
   constexpr int calls = 10'000;

@@ -63,6 +63,7 @@ INSTANTIATE_TEST_SUITE_P(Sections, Faults, testing::Range<std::size_t>(0, faultS
 
 int main(int argc, char** argv) {
   testing::InitGoogleTest(&argc, argv);
+  setenv("OPENSSL_CONF", OPENSSL_CONFIGURATION, 1);
   const char* path = std::getenv("ZLV_WRITE_FAULTS");
   if (path == nullptr) return RUN_ALL_TESTS();
   std::ofstream document(path);

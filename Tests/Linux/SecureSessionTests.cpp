@@ -10,6 +10,8 @@
 #include "Tests/Linux/SessionFixture.h"
 #include "Tests/Support/TLSIdentity.h"
 
+using Then = RawServer::Then;
+
 namespace {
 
 /// A private authority whose certificate is in a file of its own.
@@ -29,36 +31,13 @@ class SecureSession : public testing::Test {
       std::filesystem::temp_directory_path() / ("zolva-authority-" + std::to_string(getpid()));
 };
 
-RawServer::Reply hello(const std::string& /*request*/) { return {RawServer::response("hello")}; }
-
-TEST_F(SecureSession, ChecksCertificates) {
-  struct Case {
-    const char* what = nullptr;
-    TLSIdentity identity;
-    bool isTrusting = false;
-    int error = 0;
-  };
-  const TLSIdentity* issuer = &authority_;
-  const Case cases[] = {
-      {"good", TLSIdentity({}, issuer), true, 0},
-      {"unknown authority", TLSIdentity({}, issuer), false,
-       NSURLErrorServerCertificateHasUnknownRoot},
-      {"expired", TLSIdentity({.validFromDays = -2, .validToDays = -1}, issuer), true,
-       NSURLErrorServerCertificateHasBadDate},
-      {"not yet valid", TLSIdentity({.validFromDays = 1, .validToDays = 2}, issuer), true,
-       NSURLErrorServerCertificateNotYetValid},
-      {"self-signed", TLSIdentity({}), true, NSURLErrorServerCertificateUntrusted},
-      {"another name", TLSIdentity({.address = "127.0.0.2"}, issuer), true,
-       NSURLErrorServerCertificateUntrusted},
-  };
-  for (const auto& item : cases) {
-    RawServer server(hello, item.identity.serverContext());
-    const auto answer =
-        call(request(server.url(), "POST"), item.isTrusting ? trusting() : linuxOptions());
-    EXPECT_EQ(code(answer), item.error) << item.what;
-    EXPECT_EQ(server.requests().size(), item.error == 0 ? 1U : 0U) << item.what;
-  }
+std::string contents(const std::filesystem::path& file) {
+  std::stringstream text;
+  text << std::ifstream(file).rdbuf();
+  return text.str();
 }
+
+RawServer::Reply hello(const std::string& /*request*/) { return {RawServer::response("hello")}; }
 
 TEST_F(SecureSession, AddsTheFileToTheSystemsAuthorities) {
   const TLSIdentity other({.isAuthority = true});
@@ -66,10 +45,21 @@ TEST_F(SecureSession, AddsTheFileToTheSystemsAuthorities) {
   std::ofstream(further) << other.certificatePEM();
   const ZLVCertificateBundle bundle(file_.c_str(), further);
   std::filesystem::remove(further);
-  std::stringstream all;
-  all << std::ifstream(bundle.path()).rdbuf();
-  EXPECT_EQ(all.str(), authority_.certificatePEM() + "\n" + other.certificatePEM());
+  EXPECT_EQ(contents(bundle.path()), authority_.certificatePEM() + "\n" + other.certificatePEM());
   EXPECT_EQ(ZLVCertificateBundle(file_.c_str(), further).path(), further);
+}
+
+TEST_F(SecureSession, TrustsTheFileBesideTheSystemsAuthorities) {
+  const auto session = makeSession(trusting());
+  call(*session, request("http://127.0.0.1:1/"));
+  std::vector<std::string> bundles;
+  for (const auto& entry : std::filesystem::directory_iterator("/proc/self/fd")) {
+    std::error_code gone;
+    const std::string target = std::filesystem::read_symlink(entry, gone);
+    if (target.starts_with("/memfd:certificate")) bundles.push_back(contents(entry));
+  }
+  const auto system = contents("/etc/ssl/certs/ca-certificates.crt");
+  EXPECT_EQ(bundles, std::vector{system + "\n" + authority_.certificatePEM()});
 }
 
 TEST_F(SecureSession, NeverGoesOnInCleartext) {
@@ -99,6 +89,7 @@ TEST_F(SecureSession, TellsWhyThereIsNoSecureConnection) {
   const auto answer = call(request(server.url()), options);
   EXPECT_EQ(code(answer), NSURLErrorSecureConnectionFailed);
   EXPECT_NE(answer.error->debugDescription().find("/no/such/file"), std::string::npos);
+  EXPECT_TRUE(server.requests().empty());
 }
 
 TEST_F(SecureSession, KeepsItsConnection) {
@@ -109,6 +100,16 @@ TEST_F(SecureSession, KeepsItsConnection) {
     EXPECT_EQ(call(*session, request(server.url(), method)).data, "hello");
   }
   EXPECT_EQ(server.connections(), 1);
+
+  // And what was agreed on with the server.
+  const auto context = identity.serverContext();
+  RawServer closing(
+      [](auto&) {
+        return RawServer::Reply{RawServer::response(""), Then::Close};
+      },
+      context);
+  for (int i = 0; i < 3; ++i) EXPECT_EQ(code(call(*session, request(closing.url()))), 0);
+  EXPECT_EQ(SSL_CTX_sess_hits(context.get()), 2);
 }
 
 }  // namespace

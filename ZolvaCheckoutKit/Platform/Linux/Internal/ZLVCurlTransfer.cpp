@@ -28,22 +28,6 @@ ZLVCurlTransfer::Clock::duration interval(double seconds) {
   return std::chrono::duration_cast<ZLVCurlTransfer::Clock::duration>(bounded);
 }
 
-constexpr bool isTokenCharacter(char c) {
-  constexpr std::string_view marks = "!#$%&'*+-.^_`|~";
-  return (c >= '0' && c <= '9') || (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') ||
-         marks.find(c) != std::string_view::npos;
-}
-
-/// An HTTP token, which a method and a header's name have to be.
-bool isToken(std::string_view text) {
-  return !text.empty() && std::ranges::all_of(text, isTokenCharacter);
-}
-
-bool isHeader(const std::pair<std::string, std::string>& header) {
-  constexpr std::string_view breaks("\r\n\0", 3);
-  return isToken(header.first) && header.second.find_first_of(breaks) == std::string::npos;
-}
-
 /// The line for libcurl, which wants a header without a value ended by a semicolon.
 std::string line(const std::pair<std::string, std::string>& header) {
   return header.second.empty() ? header.first + ";" : header.first + ": " + header.second;
@@ -190,9 +174,7 @@ std::optional<NSURLError> ZLVCurlTransfer::refusal() const {
   if (url.scheme == "http" && (hop_.mustBeSecure || !allowsCleartext)) {
     return NSURLErrorAppTransportSecurityRequiresSecureConnection;
   }
-  if (!isToken(hop_.method) || !std::ranges::all_of(hop_.headers, isHeader)) {
-    return NSURLErrorBadURL;
-  }
+  if (!hop_.isWellFormed()) return NSURLErrorBadURL;
   return std::nullopt;
 }
 

@@ -1,3 +1,6 @@
+#include <algorithm>
+#include <string_view>
+
 #include <strings.h>
 
 #include <ZolvaCheckoutKit/Platform/Linux/Internal/ZLVHTTPHop.h>
@@ -5,6 +8,22 @@
 namespace {
 
 constexpr int maximumRedirects = 20;
+
+constexpr bool isTokenCharacter(char c) {
+  constexpr std::string_view marks = "!#$%&'*+-.^_`|~";
+  return (c >= '0' && c <= '9') || (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') ||
+         marks.find(c) != std::string_view::npos;
+}
+
+/// An HTTP token, which a method and a header's name have to be.
+bool isToken(std::string_view text) {
+  return !text.empty() && std::ranges::all_of(text, isTokenCharacter);
+}
+
+bool isHeader(const std::pair<std::string, std::string>& header) {
+  constexpr std::string_view breaks("\r\n\0", 3);
+  return isToken(header.first) && header.second.find_first_of(breaks) == std::string::npos;
+}
 
 bool isContentType(const std::pair<std::string, std::string>& header) {
   return strcasecmp(header.first.c_str(), "Content-Type") == 0;
@@ -24,6 +43,10 @@ bool becomesGet(long status, const std::string& method) {
 }
 
 }  // namespace
+
+bool ZLVHTTPHop::isWellFormed() const {
+  return isToken(method) && std::ranges::all_of(headers, isHeader);
+}
 
 bool ZLVHTTPHop::isRedirect(long status) {
   switch (status) {

@@ -27,6 +27,9 @@ struct ZLVHTTPHop {
   /// Whether `status` sends a request elsewhere when the answer has a Location.
   static bool isRedirect(long status);
 
+  /// Whether method and headers are what HTTP takes for some.
+  [[nodiscard]] bool isWellFormed() const;
+
   /// A request with effects must not reach a server twice.
   [[nodiscard]] bool mayBeResent() const { return method == "GET" || method == "HEAD"; }
 };
