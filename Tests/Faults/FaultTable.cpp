@@ -125,7 +125,7 @@ FaultSection spoiltConnections(Stage& stage) {
             },
         .telling = Telling::TimesSent};
   };
-  const auto forged = RawServer::response(R"({"account_id":"forged"})");
+  const auto forged = RawServer::response(R"({"transaction_status":"settlement"})");
   auto secure = idle("an answer that nobody asked for, over TLS", forged);
   secure.tls = TLSIdentity({}, &stage.authority()).serverContext();
   return {
