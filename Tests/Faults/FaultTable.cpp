@@ -196,7 +196,7 @@ FaultSection brokenHTTP(Stage& /*stage*/) {
        {.what = "chunk extension without end",
         .reply = {chunked("2;"), {}, std::string(1000, 'x')},
         .timeoutInterval = soon},
-       {.what = "a status of two digits", .reply = json(body, "99 Odd")},
+       {.what = "a status of two digits", .reply = {"HTTP/2 99\r\n" + length(22) + "\r\n" + body}},
        {.what = "answer 101",
         .reply = {"HTTP/1.1 101 Switching Protocols\r\n\r\n" + body, Then::Close}},
        {.what = "answer 204", .reply = {"HTTP/1.1 204 No Content\r\n\r\n"}},

@@ -16,6 +16,8 @@
 #include <sys/resource.h>
 #include <unistd.h>
 
+#include <ZolvaCheckoutKit/Platform/Linux/Internal/ZLVProcess.h>
+
 #include "Tests/Linux/SessionFixture.h"
 
 using Reply = RawServer::Reply;
@@ -164,7 +166,9 @@ TEST(SessionConnection, WorksOnceThereAreThreads) {
   pthread_setattr_default_np(&endless);
   const auto session = makeSession();
   auto answer = start(*session, request(server.url()));
+  const auto program = ZLVProcess::start("true", "");
   pthread_setattr_default_np(&before);
+  EXPECT_EQ(program, std::errc::resource_unavailable_try_again);
   EXPECT_THROW(answer.get(), std::future_error) << "the handler is let go of";
   EXPECT_EQ(call(*session, request(server.url())).data, "hello");
   EXPECT_EQ(server.requests().size(), 1U);

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <chrono>
-#include <string>
 #include <vector>
 
 #include <curl/curl.h>
@@ -34,24 +33,18 @@ class ZLVCurlSockets {
   /// Notes the connection of a transfer that is done with and still libcurl's, for `isReadable`.
   void keep(CURL* transfer);
 
-  /// Whether the kept connection between these two has anything to read, be it its end: nothing
+  /// Whether the kept connection between these ports has anything to read, be it its end: nothing
   /// that comes before a request is its answer. Not asked of HTTP/2, where answers are numbered.
-  [[nodiscard]] bool isReadable(const char* local, int localPort, const char* peer,
-                                int peerPort) const;
+  [[nodiscard]] bool isReadable(int localPort, int peerPort) const;
 
  private:
   using Clock = std::chrono::steady_clock;
-  struct Attempt {
+  struct Socket {
     curl_socket_t socket;
     Clock::time_point start;
-    Manner* manner;
-  };
-  struct Kept {
-    curl_socket_t socket = CURL_SOCKET_BAD;
-    long localPort = 0, peerPort = 0;
-    std::string local, peer;
+    Manner* manner;                    // until it is settled
+    long localPort = 0, peerPort = 0;  // once it is kept
   };
 
-  std::vector<Attempt> attempts_;
-  std::vector<Kept> kept_;
+  std::vector<Socket> sockets_;
 };

@@ -76,11 +76,11 @@ struct ZLVCurlTransfer::Callbacks {
   }
 
   /// Asked before each time that the request is sent.
-  static int send(void* self, char* peer, char* local, int peerPort, int localPort) {
+  static int send(void* self, char* /*peer*/, char* /*local*/, int peerPort, int localPort) {
     auto& transfer = *static_cast<ZLVCurlTransfer*>(self);
     auto& sockets = *transfer.configuration_->sockets;
     if (transfer.refusesToSend()) return CURL_PREREQFUNC_ABORT;
-    transfer.isSpoilt_ = sockets.isReadable(local, localPort, peer, peerPort);
+    transfer.isSpoilt_ = sockets.isReadable(localPort, peerPort);
     if (transfer.isSpoilt_) return CURL_PREREQFUNC_ABORT;
     sockets.settle(transfer.manner_);
     transfer.isSent_ = true;

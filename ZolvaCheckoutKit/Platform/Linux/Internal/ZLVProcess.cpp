@@ -1,7 +1,6 @@
 #include <array>
-#include <future>
+#include <csignal>
 #include <thread>
-#include <utility>
 
 #include <fcntl.h>
 #include <spawn.h>
@@ -17,24 +16,21 @@ std::error_code ZLVProcess::start(std::string program, std::string argument) {
   posix_spawn_file_actions_adddup2(&actions, STDERR_FILENO, STDOUT_FILENO);
   posix_spawn_file_actions_addclosefrom_np(&actions, STDERR_FILENO + 1);
 
-  // SIGCHLD is the host's, so the child is waited for here, by the thread that starts it: without a
-  // thread there is no child.
-  std::promise<int> promise;
-  auto error = promise.get_future();
-  std::error_code failure;
-  try {
-    std::thread([&program, &argument, &actions, promise = std::move(promise)]() mutable {
-      const std::array<char*, 3> arguments{program.data(), argument.data(), nullptr};
-      pid_t child = 0;
-      const int result =
-          posix_spawnp(&child, program.c_str(), &actions, nullptr, arguments.data(), environ);
-      promise.set_value(result);  // and with it goes what the arguments point to
-      if (result == 0) waitpid(child, nullptr, 0);
-    }).detach();
-    failure = {error.get(), std::generic_category()};
-  } catch (const std::system_error& fault) {
-    failure = fault.code();
-  }
+  const std::array<char*, 3> arguments{program.data(), argument.data(), nullptr};
+  pid_t child = 0;
+  const int error =
+      posix_spawnp(&child, program.c_str(), &actions, nullptr, arguments.data(), environ);
   posix_spawn_file_actions_destroy(&actions);
-  return failure;
+  if (error != 0) return {error, std::generic_category()};
+
+  // SIGCHLD is the host's, so the child is waited for here.
+  const auto wait = [child] { waitpid(child, nullptr, 0); };
+  try {
+    std::thread(wait).detach();
+  } catch (const std::system_error& fault) {
+    kill(child, SIGKILL);
+    wait();
+    return fault.code();
+  }
+  return {};
 }
