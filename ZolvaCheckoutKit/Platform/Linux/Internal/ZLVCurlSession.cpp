@@ -6,12 +6,14 @@
 
 ZLVCurlSession::ZLVCurlSession(ZLVCurlConfiguration configuration,
                                std::optional<std::string> CAFile)
-    : loop_(std::make_shared<ZLVCurlLoop>(std::move(configuration), std::move(CAFile))) {}
+    : loop_(std::make_shared<ZLVCurlLoop>(std::move(configuration), std::move(CAFile))) {
+  ZLVCurlLoops::start(loop_);
+}
 
 ZLVCurlSession::~ZLVCurlSession() { ZLVCurlLoops::stop(loop_); }
 
 void ZLVCurlSession::dataTask(ZLVURLRequest request, CompletionHandler handler) {
-  // Without a thread the handler is let go of.
+  // Again, where there was no thread to be had before. Without one the handler is let go of.
   if (ZLVCurlLoops::start(loop_))
     loop_->add(std::make_unique<ZLVCurlTransfer>(std::move(request), std::move(handler)));
 }

@@ -9,9 +9,8 @@
 
 class ZLVCurlLoop;
 
-/// Sends HTTP requests with libcurl, on a thread of its own on which the handlers are called. The
-/// thread starts with the first request. May be destroyed
-/// in a handler.
+/// Sends HTTP requests with libcurl, on a thread of its own on which the handlers are called. May be
+/// destroyed in a handler.
 class ZLVCurlSession final : public ZLVURLSession {
  public:
   ZLVCurlSession(ZLVCurlConfiguration configuration, std::optional<std::string> CAFile);
