@@ -24,7 +24,7 @@ std::shared_ptr<Record> read(const std::string& text) {
   return record;
 }
 
-const std::string actions = R"(,"actions":[{"name":"n","method":"GET","url":7},{}])";
+const std::string twoActions = R"(,"actions":[{"name":"n","method":"GET","url":7},{}])";
 
 template <class Record>
 std::shared_ptr<Record> readHeader(const std::string& rest = "") {
@@ -71,9 +71,9 @@ void expectActions(const Record& record) {
 TEST(Records, KeepWhatTheServerSent) {
   readHeader<ZLVLinkAccountResult>();
   readHeader<ZLVDisableAccountResult>();
-  expectActions(*readHeader<ZLVLinkAccountResponse>(actions));
+  expectActions(*readHeader<ZLVLinkAccountResponse>(twoActions));
   readCharge<ZLVTransactionResult>();
-  expectActions(*readCharge<ZLVTransactionResponse>(actions));
+  expectActions(*readCharge<ZLVTransactionResponse>(twoActions));
 
   const auto info = readHeader<ZLVAccountInfo>(
       R"(,"metadata":{"payment_options":[{"name":"PAY","active":true,"metadata":{"tier":[1]},)"
