@@ -88,8 +88,9 @@ json::object describe(const ZLVMerchant::PaymentOption& option) {
 }
 
 json::object describe(const ZLVMerchant::Transaction& transaction) {
-  const bool isSettled = transaction.status == Settled;
-  return {{"status_message", isSettled ? "The charge is settled." : "The user must verify."},
+  return {{"status_message", transaction.status == Settled      ? "The charge is settled."
+                             : transaction.status == AwaitsUser ? "The user must verify."
+                                                                : "The charge came to nothing."},
           {"transaction_id", transaction.id},
           {"order_id", transaction.orderID},
           {"gross_amount", ZLVMoneyText(transaction.amount)},
@@ -218,11 +219,15 @@ ZLVSandboxAnswer ZLVMerchant::charge(const ZLVSandboxRequest& request, std::stri
   if (payer->status != Enabled) return refusal(403, "The account is " + payer->status + ".");
   const auto* option = elementWith(payer->options, &PaymentOption::token, made.optionToken);
   if (option == nullptr) return refusal(404, "Payment option doesn't exist.");
-  if (elementWith(transactions_, &Transaction::orderID, made.orderID) != nullptr) {
-    return refusal(406, "The order was charged before.");
+  const auto* earlier = elementWith(transactions_, &Transaction::orderID, made.orderID);
+  if (earlier != nullptr && earlier->status == Settled) {
+    return refusal(406, "The order was paid before.");
   }
   if (option->balance < made.amount) return refusal(402, "The balance is too small.");
 
+  // There is one charge for an order: the last one, with the only page that counts.
+  std::erase_if(transactions_, [&](const auto& other) { return other.orderID == made.orderID; });
+  for (auto& approval : approvals_) approval.isUsed |= approval.subject == made.orderID;
   auto& kept = transactions_.emplace_back(std::move(made));
   if (kept.amount <= money(ZLVSandboxVerificationLimit)) {
     settle(kept);
@@ -232,6 +237,12 @@ ZLVSandboxAnswer ZLVMerchant::charge(const ZLVSandboxRequest& request, std::stri
   const auto url = ask(VerificationPage, kept.orderID, std::move(callbackURL));
   body["actions"].emplace_array().push_back(action("user-verification", url));
   return answer(201, std::move(body));
+}
+
+ZLVSandboxAnswer ZLVMerchant::order(const ZLVSandboxRequest&, std::string_view id) const {
+  const auto* found = elementWith(transactions_, &Transaction::orderID, id);
+  return found == nullptr ? refusal(404, "Nothing was charged for this order.")
+                          : answer(200, describe(*found));
 }
 
 std::string ZLVMerchant::ask(std::string_view page, std::string subject, std::string callbackURL) {

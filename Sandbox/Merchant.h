@@ -61,6 +61,8 @@ class ZLVMerchant {
                                          std::string_view accountID) const;
   ZLVSandboxAnswer unbind(const ZLVSandboxRequest& request, std::string_view accountID);
   ZLVSandboxAnswer charge(const ZLVSandboxRequest& request, std::string_view);
+  /// What has become of an order's charge; for the merchant's own application, not for the library.
+  ZLVSandboxAnswer order(const ZLVSandboxRequest&, std::string_view orderID) const;
 
   /// Null when there is no such thing to approve.
   [[nodiscard]] const Approval* approval(std::string_view page, std::string_view token) const;

@@ -142,6 +142,7 @@ struct ZLVSandbox::Implementation {
       {"GET", "/v2/pay/account/*", to(merchant, &ZLVMerchant::enquire)},
       {"POST", "/v2/pay/account/*/unbind", to(merchant, &ZLVMerchant::unbind)},
       {"POST", "/v2/charge", to(merchant, &ZLVMerchant::charge)},
+      {"GET", "/orders/*", to(merchant, &ZLVMerchant::order)},
       {"POST", "/1/upload", to(collector, &ZLVAnalyticsCollector::upload)},
       {"GET", "/wallet/activate/*", to(pages, &ZLVWalletPages::show)},
       {"POST", "/wallet/activate/*", to(pages, &ZLVWalletPages::decide)},

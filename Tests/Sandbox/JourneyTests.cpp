@@ -12,7 +12,7 @@ class Journey : public testing::Test {
     const json::value body = {
         {"payment_type", "zolva"},
         {"zolva_partner",
-         {{"phone_number", "151<2>"}, {"country_code", "49"}, {"redirect_url", callbackURL}}}};
+         {{"phone_number", "55501<2>"}, {"country_code", "1"}, {"redirect_url", callbackURL}}}};
     return client.call("POST", AccountPath, json::serialize(body));
   }
 
@@ -49,6 +49,10 @@ class Journey : public testing::Test {
     token = textAt(enquire(), "/metadata/payment_options/0/token");
   }
 
+  std::string orderStatus(const std::string& orderID) {
+    return textAt(client.call("GET", "/orders/" + orderID), "/transaction_status");
+  }
+
   std::string balance() { return textAt(enquire(), "/metadata/payment_options/0/balance/value"); }
 
   ZLVSandbox sandbox{{.merchantName = "Tom & \"Tea\""}};
@@ -70,7 +74,7 @@ TEST_F(Journey, AnAccountIsActivatedOnAPageThatWorksOnce) {
 
   const auto shown = client.call("GET", page(linked));
   EXPECT_NE(shown.body().find("Tom &amp; &quot;Tea&quot;"), std::string::npos);
-  EXPECT_NE(shown.body().find("+49 151&lt;2&gt;"), std::string::npos);
+  EXPECT_NE(shown.body().find("+1 55501&lt;2&gt;"), std::string::npos);
   EXPECT_NE(shown["Content-Security-Policy"].find("form-action 'self' shop:"), std::string::npos);
   EXPECT_EQ(client.call("POST", page(linked), "decision=perhaps").result_int(), 400U);
 
@@ -114,17 +118,28 @@ TEST_F(Journey, AChargeAboveTheLimitWaitsForTheUser) {
   const auto refused = charge("refused", 200);
   EXPECT_EQ(client.call("POST", page(refused), "decision=cancel")["Location"],
             "shop://paid?result=cancelled");
+  EXPECT_EQ(orderStatus("refused"), "cancel");
   EXPECT_EQ(balance(), "249.75");
+
+  const auto abandoned = charge("refused", 190);
+  EXPECT_EQ(orderStatus("refused"), "pending");
+  const auto anew = charge("refused", 10.25);
+  EXPECT_EQ(textAt(anew, "/transaction_status"), "settlement");
+  EXPECT_EQ(client.call("POST", page(abandoned), "decision=confirm").result_int(), 410U);
+  EXPECT_EQ(charge("refused", 10.25).result_int(), 406U);
+  EXPECT_EQ(orderStatus("refused"), "settlement");
+  EXPECT_EQ(balance(), "239.50");
 
   const auto first = charge("first", 200);
   const auto second = charge("second", 200);
   client.call("POST", page(first), "decision=confirm");
   EXPECT_EQ(client.call("POST", page(second), "decision=confirm")["Location"],
             "shop://paid?result=failed");
-  EXPECT_EQ(balance(), "49.75");
+  EXPECT_EQ(orderStatus("second"), "deny");
+  EXPECT_EQ(balance(), "39.50");
 
-  EXPECT_EQ(charge("too-much", 49.76).result_int(), 402U);
-  EXPECT_EQ(charge("small", 1).result_int(), 406U);
+  EXPECT_EQ(charge("too-much", 39.51).result_int(), 402U);
+  EXPECT_EQ(client.call("GET", "/orders/too-much").result_int(), 404U);
   EXPECT_EQ(charge("sum", 1, 2).result_int(), 400U);
   token = "unknown";
   EXPECT_EQ(charge("token", 1).result_int(), 404U);
@@ -146,7 +161,7 @@ TEST_F(Journey, AnUnlinkedAccountIsNoLongerOfUse) {
 
   const auto overview = client.call("GET", "/").body();
   EXPECT_NE(overview.find("DISABLED"), std::string::npos);
-  EXPECT_NE(overview.find("+49 151&lt;2&gt;"), std::string::npos);
+  EXPECT_NE(overview.find("+1 55501&lt;2&gt;"), std::string::npos);
 }
 
 TEST_F(Journey, WrongRequestsAreToldWhatIsWrong) {
@@ -156,7 +171,7 @@ TEST_F(Journey, WrongRequestsAreToldWhatIsWrong) {
     unsigned status;
     std::string told;
   };
-  const std::string phone = R"("phone_number":"1","country_code":"49")";
+  const std::string phone = R"("phone_number":"5550123","country_code":"1")";
   const auto linking = [](const std::string& partner) {
     return R"({"payment_type":"zolva","zolva_partner":{)" + partner + "}}";
   };
@@ -165,7 +180,7 @@ TEST_F(Journey, WrongRequestsAreToldWhatIsWrong) {
   const std::vector<Case> cases = {
       {"POST", "/v2/pay/account", "{", MerchantHeaders, 400, "the body must be a JSON object"},
       {"POST", "/v2/pay/account", "[]", MerchantHeaders, 400, "the body must be a JSON object"},
-      {"POST", "/v2/pay/account", linking(R"("country_code":"49")"), MerchantHeaders, 400,
+      {"POST", "/v2/pay/account", linking(R"("country_code":"1")"), MerchantHeaders, 400,
        "zolva_partner.phone_number must be a text"},
       {"POST", "/v2/pay/account", linking(phone + R"(,"redirect_url":"a b")"), MerchantHeaders, 400,
        "zolva_partner.redirect_url must be a URL"},

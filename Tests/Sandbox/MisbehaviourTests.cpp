@@ -94,7 +94,7 @@ TEST(Misbehaviour, ARequestTakesEffectThoughItsAnswerIsLost) {
   ZLVSandbox sandbox;
   SandboxClient client(sandbox);
   const std::string body =
-      R"({"payment_type":"zolva","zolva_partner":{"phone_number":"1","country_code":"49"}})";
+      R"({"payment_type":"zolva","zolva_partner":{"phone_number":"5550123","country_code":"1"}})";
   client.call("GET", "/x");
   sandbox.misbehave({.method = "POST", .pathPrefix = "/v2/"},
                     {.interruption = std::pair(Break::Close, Point::BeforeHeader)});
@@ -108,7 +108,7 @@ TEST(Misbehaviour, ARequestTakesEffectThoughItsAnswerIsLost) {
   EXPECT_EQ(requests[2].headers[0], MerchantHeaders[0]);
   EXPECT_EQ(requests[2].header("x-source"), "mobile-ios");
   const auto overview = SandboxClient(sandbox).call("GET", "/").body();
-  EXPECT_NE(overview.find("+49 1"), std::string::npos);
+  EXPECT_NE(overview.find("+1 5550123"), std::string::npos);
 }
 
 TEST(Misbehaviour, StoppingEndsWhateverIsHeldUp) {
