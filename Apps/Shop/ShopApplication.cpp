@@ -1,5 +1,6 @@
 #include "Apps/Shop/ShopApplication.h"
 
+#include <algorithm>
 #include <exception>
 #include <utility>
 
@@ -30,6 +31,7 @@ constexpr Option options[] = {
     {"analytics-root", G_OPTION_ARG_STRING, "Base URL of the analytics service", "URL"},
     {"ca-file", G_OPTION_ARG_FILENAME, "Certificate authorities to trust as well (PEM)", "FILE"},
     {"allow-cleartext", G_OPTION_ARG_NONE, "Allow http to other machines", nullptr},
+    {"patience", G_OPTION_ARG_INT, "Seconds after which to offer to stop waiting (10)", "SECONDS"},
     {"log", G_OPTION_ARG_NONE, "Write requests and answers to the system log, tokens included",
      nullptr},
 };
@@ -84,6 +86,7 @@ int ShopApplication::run(int argc, char** argv) {
 void ShopApplication::readOptions(GVariantDict* given) {
   server_ = textOption(given, "server");
   if (auto merchantID = textOption(given, "merchant-id")) merchantID_ = *std::move(merchantID);
+  g_variant_dict_lookup(given, "patience", "i", &patience_);
   isLoggingEnabled_ = g_variant_dict_contains(given, "log") == TRUE;
   platform_ = ZLVGTKPlatform::platformWithApplication(
       application_,
@@ -118,7 +121,10 @@ void ShopApplication::start() {
 }
 
 void ShopApplication::activate() {
-  if (!window_) window_ = std::make_unique<ShopWindow>(application_, basket_, orders_, checkout_);
+  if (!window_) {
+    window_ = std::make_unique<ShopWindow>(application_, basket_, orders_, checkout_,
+                                           static_cast<unsigned>(std::max(patience_, 0)));
+  }
   window_->present();
 }
 

@@ -37,9 +37,10 @@ class ShopApplication {
   std::optional<std::string> server_;
   std::string merchantID_ = "M-SANDBOX";
   bool isLoggingEnabled_ = false;
+  int patience_ = 10;
   std::unique_ptr<ZLVSandbox> sandbox_;
   Basket basket_;
   Orders orders_;
-  Checkout checkout_{orders_};
+  Checkout checkout_{basket_, orders_};
   std::unique_ptr<ShopWindow> window_;
 };

@@ -12,12 +12,29 @@ namespace {
 constexpr const char* PaymentType = "zolva";
 constexpr std::string_view AccountEnabled = "ENABLED";
 
-// What the server says about a charge that it has made up its mind about.
-constexpr std::string_view PaidStatuses[] = {"settlement", "capture"};
-constexpr std::string_view RefusedStatuses[] = {"deny", "cancel", "expire", "failure"};
+struct Outcome {
+  std::string_view status;
+  Order::State state;
+  /// What the customer is told when it is not paid.
+  const char* reason;
+};
 
-bool isOneOf(const ZLVValue& status, const auto& statuses) {
-  return std::ranges::find(statuses, status.text()) != std::end(statuses);
+// What the server says about a charge; nothing is known of any other status.
+constexpr Outcome outcomes[] = {
+    {"settlement", Order::State::Paid, ""},
+    {"capture", Order::State::Paid, ""},
+    {"pending", Order::State::NotPaid, "You have not confirmed the payment in your wallet."},
+    {"cancel", Order::State::NotPaid, "You cancelled the payment in your wallet."},
+    {"expire", Order::State::NotPaid, "The payment was not confirmed in time."},
+    {"deny", Order::State::NotPaid, "Your wallet refused the payment."},
+    {"failure", Order::State::NotPaid, "The payment failed."},
+    {"", Order::State::Uncertain, "The shop cannot tell what became of the payment."},
+};
+
+const Outcome& outcome(const ZLVTransactionResult& result) {
+  return *std::ranges::find_if(outcomes, [&](const Outcome& candidate) {
+    return candidate.status.empty() || candidate.status == result.transactionStatus().text();
+  });
 }
 
 /// Whole amounts travel as integers.
@@ -52,18 +69,32 @@ std::vector<std::shared_ptr<ZLVItemDetails>> itemDetails(const std::vector<Baske
 }  // namespace
 
 /// Makes the completion of a call: it ends the call, whatever came of it, and goes on from there.
+/// Of a call that nobody waits for any more, a failure has been reported.
 template <class Record>
 ZLVCompletionHandler<Record> Checkout::begin(const char* call, const char* activity,
                                              std::function<void(const Record&)> success,
                                              Failure failure) {
+  failure_ = failure;
   if (events_.busy) events_.busy(activity);
-  return [this, call, success = std::move(success), failure = std::move(failure)](auto record,
-                                                                                  auto error) {
+  return [this, call, number = ++lastCall_, success = std::move(success),
+          failure = std::move(failure)](auto record, auto error) {
     g_debug("%s completed: %s", call, error ? error->debugDescription().c_str() : "no error");
-    if (events_.busy) events_.busy(nullptr);
+    if (number == lastCall_) end();
     if (!error) return success(*record);
-    failure(*error);
+    if (number > lastGivenUp_) failure(*error);
   };
+}
+
+Checkout::Failure Checkout::end() {
+  if (events_.busy) events_.busy(nullptr);
+  return std::exchange(failure_, {});
+}
+
+void Checkout::stopWaiting() {
+  lastGivenUp_ = lastCall_;
+  if (const auto failed = end()) {
+    failed(ZLVError::errorWithDomain(NSURLErrorDomain, NSURLErrorTimedOut, {}));
+  }
 }
 
 Checkout::Failure Checkout::report(std::function<void()> retry) {
@@ -127,29 +158,35 @@ void Checkout::unlink() {
                                                    report([this] { unlink(); })));
 }
 
-void Checkout::pay(Basket& basket, const PaymentOption& option) {
-  if (!account_ || basket.isEmpty()) return;
-  auto& order = orders_.add(basket.lines(), account_->id, option);
-  basket.clear();
+void Checkout::pay(const PaymentOption& option) {
+  if (!account_ || basket_.isEmpty()) return;
+  auto& order = orders_.unpaid();
+  // An earlier try that may still go through pays for what was ordered then.
+  if (order.state != Order::State::NotPaid && order.lines != basket_.lines()) {
+    return settle(order, Order::State::Uncertain, order.reason);
+  }
+  order.earlierLines.push_back(std::exchange(order.lines, basket_.lines()));
+  order.accountID = account_->id;
+  order.option = option;
   charge(order);
 }
 
 void Checkout::charge(Order& order) {
   const auto answered = [this, &order](const ZLVTransactionResult& result) {
-    order.transactionID = result.transactionId().description();
-    const auto& status = result.transactionStatus();
-    if (isOneOf(status, PaidStatuses)) return settle(order, Order::State::Paid);
-    if (isOneOf(status, RefusedStatuses)) {
-      return settle(order, Order::State::Refused, result.statusMessage().description());
-    }
+    order.transactionID = result.transactionId().text().value_or("");
+    if (outcome(result).state == Order::State::Paid) return settle(order, Order::State::Paid);
     check(order);  // it was pending when it was made; the customer may have confirmed since
   };
-  const auto failed = [this, &order](const ZLVError& error) {
-    // An earlier attempt has reached the server after all.
-    if (error.domain() == ZLVErrorDomain && error.code() == OrderChargedBefore) return check(order);
-    const auto problem = problemFromError(error);
-    settle(order, mayHaveTakenEffect(error) ? Order::State::Uncertain : Order::State::Refused,
-           problem.title + ". " + problem.advice);
+  // A refusal of this try settles nothing that an earlier one has left open.
+  const auto refused =
+      order.state == Order::State::NotPaid ? Order::State::NotPaid : Order::State::Uncertain;
+  const auto failed = [this, &order, refused](const ZLVError& error) {
+    if (isRefusal(error, Refusal::PaidBefore)) return check(order);
+    if (isRefusal(error, Refusal::BalanceTooSmall)) return explainShortage(order, refused);
+    const auto [title, advice] = problemFromError(error);
+    if (error.requestMayHaveTakenEffect())
+      return settle(order, Order::State::Uncertain, title + ".");
+    settle(order, refused, title + ". " + advice);
   };
   order.state = Order::State::Sent;
   ZLVClient::createTransactionWithPaymentType(
@@ -162,41 +199,44 @@ void Checkout::charge(Order& order) {
       itemDetails(order.lines), begin<ZLVTransactionResult>("charge", "Paying…", answered, failed));
 }
 
+void Checkout::explainShortage(Order& order, Order::State state) {
+  const auto read = [this, &order, state](const ZLVAccountInfo& info) {
+    setAccount(order.accountID, info);
+    const auto options = readOptions(info);
+    const auto option = std::ranges::find(options, order.option.token, &PaymentOption::token);
+    const auto missing = option == options.end() ? 0 : order.total() - option->balance;
+    settle(order, state,
+           missing > 0 ? "You need " + moneyText(missing) + " more to pay for this."
+                       : "Your wallet held too little at that moment.");
+  };
+  enquire("Fetching your balance…", order.accountID, read, [this, &order, state](const auto&) {
+    settle(order, state, "You need more money in your wallet to pay for this.");
+  });
+}
+
 void Checkout::check(Order& order) {
-  if (&order != &orders_.all().front()) {
-    return settle(order, order.state == Order::State::Sent ? Order::State::Uncertain : order.state,
-                  "You have ordered again since, so that your balance tells nothing about this "
-                  "order. Ask at the counter.");
-  }
-  const auto read = [this, &order](const ZLVAccountInfo& info) {
-    if (account_ && account_->id == order.accountID) setAccount(order.accountID, info);
-    judge(order, readOptions(info));
+  const auto answered = [this, &order](const ZLVTransactionResult& result) {
+    const auto& [status, state, reason] = outcome(result);
+    order.transactionID = result.transactionId().text().value_or("");
+    // It may be an earlier try that was confirmed, and that is what was bought.
+    if (const auto amount = parsedMoney(result.grossAmount().description())) order.restore(*amount);
+    settle(order, state, reason);
   };
   const auto failed = [this, &order](const ZLVError& error) {
-    const auto problem = problemFromError(error);
-    settle(order, Order::State::Uncertain, problem.title + ". " + problem.advice);
+    settle(order, order.state == Order::State::Sent ? Order::State::Uncertain : order.state,
+           isRefusal(error, Refusal::NotFound) ? "The shop has not heard of a payment so far."
+                                               : problemFromError(error).title + ".");
   };
-  enquire("Checking your payment…", order.accountID, read, failed);
+  server_.order(order.id,
+                begin<ZLVTransactionResult>("order", "Checking your payment…", answered, failed));
 }
 
-/// Judges the last order by its payment option's balance, for want of a better witness: a shop of
-/// your own asks its server, which the wallet tells what became of each charge.
-void Checkout::judge(Order& order, const std::vector<PaymentOption>& options) const {
-  const auto option = std::ranges::find(options, order.option.token, &PaymentOption::token);
-  if (option != options.end() && option->balance == order.option.balance - order.total()) {
-    return settle(order, Order::State::Paid);
-  }
-  if (option != options.end() && option->balance == order.option.balance) {
-    return settle(order, Order::State::NotPaid,
-                  "You did not confirm the payment, and " + moneyText(order.total()) +
-                      " has not left your wallet.");
-  }
-  settle(order, Order::State::Uncertain, "Your balance does not tell whether it was paid.");
-}
-
-void Checkout::settle(Order& order, Order::State state, std::string reason) const {
+/// Nothing that comes after the payment can undo it.
+void Checkout::settle(Order& order, Order::State state, std::string reason) {
+  if (order.state == Order::State::Paid) return;
   order.state = state;
   order.reason = std::move(reason);
   g_debug("order %s %s", order.id.c_str(), stateName(state));
+  if (state == Order::State::Paid) basket_.remove(order.lines);
   if (events_.orderChanged) events_.orderChanged(order);
 }

@@ -8,6 +8,7 @@
 
 #include <ZolvaCheckoutKit/ZolvaCheckoutKit.h>
 
+#include "Apps/Shop/Checkout/MerchantServer.h"
 #include "Apps/Shop/Checkout/Problem.h"
 #include "Apps/Shop/Model/Orders.h"
 
@@ -19,7 +20,7 @@ struct LinkedAccount {
 };
 
 /// Everything the shop asks of the library: links a wallet, pays orders from it and finds out what
-/// became of them. One call at a time; main thread only.
+/// became of them. The customer waits for one call at a time; main thread only.
 class Checkout {
  public:
   /// How the checkout reports; each may be empty.
@@ -33,7 +34,7 @@ class Checkout {
     std::function<void(const Problem& problem, std::function<void()> retry)> failed{};
   };
 
-  explicit Checkout(Orders& orders) : orders_(orders) {}
+  Checkout(Basket& basket, Orders& orders) : basket_(basket), orders_(orders) {}
 
   void setEvents(Events events) { events_ = std::move(events); }
   /// What the wallet's pages are shown over.
@@ -48,12 +49,16 @@ class Checkout {
   void refresh();
   void unlink();
 
-  /// Orders what is in the basket, which is empty then.
-  void pay(Basket& basket, const PaymentOption& option);
-  /// Looks again what became of an order that is not paid.
+  /// Orders what is in the basket, which is emptied once that is paid.
+  void pay(const PaymentOption& option);
+  /// Asks the shop's server what became of an order that is not paid.
   void check(Order& order);
-  /// Sends an uncertain order again, under the id it has.
-  void sendAgain(Order& order) { charge(order); }
+  /// Tries again as before, under the id that the order has.
+  void payAgain(Order& order) { charge(order); }
+
+  /// Ends the wait for the call under way as if it had timed out. An answer that comes after all
+  /// still counts when it is good.
+  void stopWaiting();
 
  private:
   /// What to do when the call under way fails.
@@ -62,6 +67,8 @@ class Checkout {
   template <class Record>
   ZLVCompletionHandler<Record> begin(const char* call, const char* activity,
                                      std::function<void(const Record&)> success, Failure failure);
+  /// Ends the wait and returns what was to be done about a failure.
+  Failure end();
   /// Tells of a failed call that is about the linked account.
   Failure report(std::function<void()> retry);
 
@@ -70,12 +77,19 @@ class Checkout {
   void setAccount(std::optional<LinkedAccount> account);
   void setAccount(const std::string& accountID, const ZLVAccountInfo& info);
   void charge(Order& order);
-  void judge(Order& order, const std::vector<PaymentOption>& options) const;
-  void settle(Order& order, Order::State state, std::string reason = {}) const;
+  /// Settles an order for which the payment option holds too little.
+  void explainShortage(Order& order, Order::State state);
+  void settle(Order& order, Order::State state, std::string reason = {});
 
+  Basket& basket_;
   Orders& orders_;
+  MerchantServer server_;
   Events events_;
   std::shared_ptr<ZLVViewController> viewController_;
   std::optional<LinkedAccount> account_;
   std::string phone_;
+  // Calls are counted from 1. The customer waits for the last one; this is how that fails.
+  unsigned lastCall_ = 0;
+  unsigned lastGivenUp_ = 0;
+  Failure failure_;
 };

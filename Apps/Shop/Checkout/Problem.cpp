@@ -31,7 +31,6 @@ constexpr Explanation explanations[] = {
     {ZLVCheckoutErrorDomain, INT64_MIN, INT64_MAX, "The wallet's page cannot be opened",
      "The shop did not say where it is. Try again, or pay at the counter."},
     {ZLVErrorDomain, 400, 400, "Please check what you entered", ""},
-    {ZLVErrorDomain, 402, 402, "Not enough money", ""},
     {ZLVErrorDomain, 403, 404, "Your wallet is not linked any more",
      "Link it again to pay with it."},
     {ZLVErrorDomain, 500, 599, "The shop has a problem of its own", "Try again in a few minutes."},
@@ -55,16 +54,10 @@ Problem problemFromError(const ZLVError& error) {
   return {explanation->title, std::move(advice)};
 }
 
-bool mayHaveTakenEffect(const ZLVError& error) {
-  constexpr std::int64_t serverFailure = 500;
-  const auto domain = error.domain();
-  return domain == NSURLErrorDomain || domain == NSCocoaErrorDomain ||
-         (domain == ZLVErrorDomain && error.code() >= serverFailure);
+bool isRefusal(const ZLVError& error, Refusal refusal) {
+  return error.domain() == ZLVErrorDomain && error.code() == static_cast<std::int64_t>(refusal);
 }
 
 bool isAccountGone(const ZLVError& error) {
-  constexpr std::int64_t forbidden = 403;
-  constexpr std::int64_t notFound = 404;
-  return error.domain() == ZLVErrorDomain &&
-         (error.code() == forbidden || error.code() == notFound);
+  return isRefusal(error, Refusal::NotLinked) || isRefusal(error, Refusal::NotFound);
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <string>
 
 #include <ZolvaCheckoutKit/ZolvaCheckoutKit.h>
@@ -13,12 +14,15 @@ struct Problem {
 
 Problem problemFromError(const ZLVError& error);
 
-/// Whether a charge that ended in this error may have been made all the same: no answer came, or
-/// none that can be read, or the server broke down on the way.
-bool mayHaveTakenEffect(const ZLVError& error);
+/// What the server's refusals mean.
+enum class Refusal : std::int64_t {
+  BalanceTooSmall = 402,
+  NotLinked = 403,
+  NotFound = 404,
+  PaidBefore = 406
+};
+
+bool isRefusal(const ZLVError& error, Refusal refusal);
 
 /// Whether the account is not linked any more, whoever ended that.
 bool isAccountGone(const ZLVError& error);
-
-/// The server's way of saying that it knows the order already.
-inline constexpr int OrderChargedBefore = 406;

@@ -12,16 +12,18 @@ struct Country {
   const char* name;
   const char* code;
 };
-constexpr std::array<Country, 10> countries{{{"Indonesia (+62)", "62"},
-                                             {"Austria (+43)", "43"},
+// By name.
+constexpr std::array<Country, 11> countries{{{"Choose your country", ""},
+                                             {"Australia (+61)", "61"},
+                                             {"Brazil (+55)", "55"},
                                              {"France (+33)", "33"},
                                              {"Germany (+49)", "49"},
-                                             {"Italy (+39)", "39"},
-                                             {"Netherlands (+31)", "31"},
+                                             {"Japan (+81)", "81"},
+                                             {"Mexico (+52)", "52"},
+                                             {"Nigeria (+234)", "234"},
                                              {"Singapore (+65)", "65"},
-                                             {"Spain (+34)", "34"},
-                                             {"Switzerland (+41)", "41"},
-                                             {"United Kingdom (+44)", "44"}}};
+                                             {"United Kingdom (+44)", "44"},
+                                             {"United States (+1)", "1"}}};
 
 GtkWidget* makeCountries() {
   std::array<const char*, countries.size() + 1> names{};
@@ -41,9 +43,10 @@ LinkPage::LinkPage(Link link)
     : link_(std::move(link)),
       country_(makeCountries()),
       phone_(gtk_entry_new()),
-      problem_(makeLabel("Enter 6 to 14 digits, without the country's code.", "wrong-text")) {
+      problem_(makeLabel("Choose your country and enter 6 to 14 digits, without its code.",
+                         "wrong-text")) {
   gtk_entry_set_input_purpose(GTK_ENTRY(phone_), GTK_INPUT_PURPOSE_PHONE);
-  gtk_entry_set_placeholder_text(GTK_ENTRY(phone_), "812 3456 7890");
+  gtk_entry_set_placeholder_text(GTK_ENTRY(phone_), "555 0123");
   setVisible(problem_, false);
   onSignal(phone_, "activate", [this] { submit(); });
   onSignal(phone_, "changed", [this] {
@@ -72,8 +75,9 @@ void LinkPage::submit() {
   }
   constexpr std::size_t shortest = 6;
   constexpr std::size_t longest = 14;
-  if (isNumber && shortest <= digits.size() && digits.size() <= longest) {
-    return link_(digits, countries.at(gtk_drop_down_get_selected(GTK_DROP_DOWN(country_))).code);
+  const std::string code = countries.at(gtk_drop_down_get_selected(GTK_DROP_DOWN(country_))).code;
+  if (isNumber && !code.empty() && shortest <= digits.size() && digits.size() <= longest) {
+    return link_(digits, code);
   }
   setVisible(problem_, true);
   gtk_widget_add_css_class(phone_, "wrong");

@@ -17,8 +17,8 @@ constexpr Appearance appearances[] = {
     {Order::State::Sent, "content-loading-symbolic", "wait", "On its way"},
     {Order::State::Paid, "object-select-symbolic", "good", "Thank you!"},
     {Order::State::NotPaid, "process-stop-symbolic", "wait", "Not paid"},
-    {Order::State::Refused, "process-stop-symbolic", "bad", "The payment was refused"},
-    {Order::State::Uncertain, "dialog-question-symbolic", "wait", "We cannot tell yet"},
+    {Order::State::Uncertain, "dialog-question-symbolic", "wait",
+     "We don't know yet whether you paid"},
 };
 
 const Appearance& appearance(Order::State state) {
@@ -51,8 +51,8 @@ std::string leadText(const Order& order) {
   if (order.state == Order::State::Paid) return "Your order is paid. It is ready at the counter.";
   if (order.state != Order::State::Uncertain) return order.reason;
   return order.reason +
-         "\n\nYour order may have been paid all the same. Check again, or send it "
-         "again: it keeps its number, so it is paid only once.";
+         " Check again in a moment, or pay again: the order keeps its number, so it is paid only "
+         "once. Your basket is kept until we know.";
 }
 
 }  // namespace
@@ -96,19 +96,17 @@ void OrderPage::addButtons(Order& order) {
   };
   switch (order.state) {
     case Order::State::Paid:
+      add("Back to the menu", actions_.backToMenu);
+      break;
     case Order::State::Sent:
       break;
     case Order::State::NotPaid:
-      add("Back to the basket", [this, &order] { actions_.backToBasket(order); });
+      add("Back to the basket", actions_.backToBasket);
       add("Check again", [this, &order] { actions_.check(order); });
-      break;
-    case Order::State::Refused:
-      add("Back to the basket", [this, &order] { actions_.backToBasket(order); });
       break;
     case Order::State::Uncertain:
       add("Check again", [this, &order] { actions_.check(order); });
-      add("Send again", [this, &order] { actions_.sendAgain(order); });
+      add("Pay again", [this, &order] { actions_.payAgain(order); });
       break;
   }
-  add("Back to the menu", actions_.backToMenu);
 }

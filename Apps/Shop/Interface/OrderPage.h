@@ -11,9 +11,9 @@ class OrderPage {
  public:
   struct Actions {
     std::function<void()> backToMenu;
-    std::function<void(Order& order)> backToBasket;
+    std::function<void()> backToBasket;
     std::function<void(Order& order)> check;
-    std::function<void(Order& order)> sendAgain;
+    std::function<void(Order& order)> payAgain;
   };
 
   explicit OrderPage(Actions actions);

@@ -39,27 +39,27 @@ GtkWidget* makeBrandIcon() {
 }  // namespace
 
 ShopWindow::ShopWindow(GtkApplication* application, Basket& basket, Orders& orders,
-                       Checkout& checkout)
-    : basket_(basket),
-      checkout_(checkout),
+                       Checkout& checkout, unsigned patience)
+    : checkout_(checkout),
       window_(GTK_WINDOW(gtk_application_window_new(application))),
+      patience_(patience),
       menuPage_(basket,
                 {.showBasket = [this] { show(Page::Basket); }, .pay = [this] { showWallet(); }}),
       basketPage_(basket, [this] { showWallet(); }),
       linkPage_([this](const auto& phoneNumber, const auto& countryCode) {
         checkout_.link(phoneNumber, countryCode);
       }),
-      walletPage_(basket,
-                  {.pay = [this](const PaymentOption& option) { checkout_.pay(basket_, option); },
-                   .unlink = [this] { checkout_.unlink(); }}),
+      walletPage_(basket, {.pay = [this](const PaymentOption& option) { checkout_.pay(option); },
+                           .unlink =
+                               [this] {
+                                 showNotice(
+                                     {"Unlink your wallet?", "You can link it again at any time."},
+                                     "Unlink", [this] { checkout_.unlink(); });
+                               }}),
       orderPage_({.backToMenu = [this] { show(Page::Menu); },
-                  .backToBasket =
-                      [this](Order& order) {
-                        if (basket_.isEmpty()) basket_.add(order.lines);
-                        show(isWide_ ? Page::Menu : Page::Basket);
-                      },
+                  .backToBasket = [this] { show(isWide_ ? Page::Menu : Page::Basket); },
                   .check = [this](Order& order) { checkout_.check(order); },
-                  .sendAgain = [this](Order& order) { checkout_.sendAgain(order); }}),
+                  .payAgain = [this](Order& order) { checkout_.payAgain(order); }}),
       ordersPage_(orders, [this](Order& order) { showOrder(order); }) {
   gtk_window_set_title(window_, "Corner Coffee");
   gtk_widget_add_css_class(GTK_WIDGET(window_), "shop");
@@ -98,17 +98,21 @@ void ShopWindow::buildHeader() {
   auto* const header = GTK_HEADER_BAR(header_);
   gtk_header_bar_set_decoration_layout(header, ":close");
   brandIcon_ = makeBrandIcon();
-  gtk_header_bar_set_title_widget(
-      header,
-      makeBox(GTK_ORIENTATION_HORIZONTAL, 8, {brandIcon_, makeWord("Corner Coffee", "brand")}));
+  // In the middle there would be half as much room for it.
+  gtk_header_bar_set_title_widget(header, makeWord(""));
   back_ = makeIconButton("go-previous-symbolic", "Back", [this] { show(Page::Menu); });
   gtk_header_bar_pack_start(header, back_);
-  gtk_header_bar_pack_end(
-      header, makeIconButton("avatar-default-symbolic", "Wallet", [this] { showWallet(); }));
-  gtk_header_bar_pack_end(header, makeIconButton("document-open-recent-symbolic", "Orders", [this] {
-                            ordersPage_.update();
-                            show(Page::Orders);
-                          }));
+  gtk_header_bar_pack_start(header, makeBox(GTK_ORIENTATION_HORIZONTAL, 8,
+                                            {brandIcon_, makeWord("Corner Coffee", "brand")}));
+  navigation_ =
+      makeBox(GTK_ORIENTATION_HORIZONTAL, 2,
+              {makeIconButton("document-open-recent-symbolic", "Orders",
+                              [this] {
+                                ordersPage_.update();
+                                show(Page::Orders);
+                              }),
+               makeIconButton("avatar-default-symbolic", "Wallet", [this] { showWallet(); })});
+  gtk_header_bar_pack_end(header, navigation_);
   gtk_header_bar_pack_end(header, makeIconButton("weather-clear-night-symbolic", "Light or dark",
                                                  [] { toggleDarkStyle(); }));
 }
@@ -116,34 +120,39 @@ void ShopWindow::buildHeader() {
 void ShopWindow::buildNotice() {
   noticeTitle_ = makeLabel("", "strong");
   noticeAdvice_ = makeLabel("", "text small");
-  retryButton_ = makeButton("Retry", "outlined", [this] {
+  noticeButton_ = makeButton("", "outlined", [this] {
     setVisible(notice_, false);
-    if (const auto retry = std::exchange(retry_, {})) retry();
+    if (const auto action = std::exchange(noticeAction_, {})) action();
   });
-  GtkWidget* const dismiss = makeIconButton("window-close-symbolic", "Dismiss", [this] {
+  dismiss_ = makeIconButton("window-close-symbolic", "Dismiss", [this] {
     setVisible(notice_, false);
     focusPage();
   });
-  addClasses(dismiss, "flat");
-  gtk_widget_set_valign(dismiss, GTK_ALIGN_START);
-  gtk_widget_set_halign(retryButton_, GTK_ALIGN_START);
+  addClasses(dismiss_, "flat");
+  gtk_widget_set_valign(dismiss_, GTK_ALIGN_START);
+  gtk_widget_set_halign(noticeButton_, GTK_ALIGN_START);
   GtkWidget* const text =
-      makeBox(GTK_ORIENTATION_VERTICAL, 6, {noticeTitle_, noticeAdvice_, retryButton_});
+      makeBox(GTK_ORIENTATION_VERTICAL, 6, {noticeTitle_, noticeAdvice_, noticeButton_});
   gtk_widget_set_hexpand(text, TRUE);
   auto* const message =
       GTK_WIDGET(g_object_new(GTK_TYPE_BOX, "accessible-role", GTK_ACCESSIBLE_ROLE_ALERT, nullptr));
   addClasses(message, "notice bad");
   gtk_box_append(GTK_BOX(message), text);
-  gtk_box_append(GTK_BOX(message), dismiss);
+  gtk_box_append(GTK_BOX(message), dismiss_);
   notice_ = makeColumn(message);
   setVisible(notice_, false);
 }
 
 void ShopWindow::buildBusyCard() {
   spinner_ = gtk_spinner_new();
-  activity_ = makeLabel("");
+  activity_ = makeWord("", "strong");
+  gtk_widget_set_halign(activity_, GTK_ALIGN_CENTER);
   gtk_widget_set_size_request(spinner_, 32, 32);
-  busy_ = makeBox(GTK_ORIENTATION_VERTICAL, 12, {spinner_, activity_}, "card busy");
+  takesLonger_ =
+      makeBox(GTK_ORIENTATION_VERTICAL, 12,
+              {makeLabel("This takes longer than usual.", "quiet"),
+               makeButton("Stop waiting", "outlined", [this] { checkout_.stopWaiting(); })});
+  busy_ = makeBox(GTK_ORIENTATION_VERTICAL, 12, {spinner_, activity_, takesLonger_}, "card busy");
   gtk_widget_set_halign(busy_, GTK_ALIGN_CENTER);
   gtk_widget_set_valign(busy_, GTK_ALIGN_CENTER);
   setVisible(busy_, false);
@@ -162,20 +171,24 @@ void ShopWindow::followWidth() {
 
 void ShopWindow::listen() {
   checkout_.setViewController(ZLVGTKPlatform::viewControllerForWindow(window_));
-  checkout_.setEvents({.busy = [this](const char* activity) { setBusy(activity); },
-                       .accountChanged =
-                           [this] {
-                             if (const auto& account = checkout_.account()) {
-                               walletPage_.setAccount(*account);
-                               if (page_ == Page::Link) show(Page::Wallet);
-                             } else if (page_ == Page::Wallet) {
-                               show(Page::Link);
-                             }
-                           },
-                       .orderChanged = [this](Order& order) { showOrder(order); },
-                       .failed = [this](const Problem& problem,
-                                        auto retry) { showProblem(problem, std::move(retry)); }});
-  onSignal(window_, "destroy", [&checkout = checkout_] { checkout.setEvents({}); });
+  checkout_.setEvents(
+      {.busy = [this](const char* activity) { setBusy(activity); },
+       .accountChanged =
+           [this] {
+             if (const auto& account = checkout_.account()) {
+               walletPage_.setAccount(*account);
+               if (page_ == Page::Link) show(Page::Wallet);
+             } else if (page_ == Page::Wallet) {
+               show(Page::Link);
+             }
+           },
+       .orderChanged = [this](Order& order) { showOrder(order); },
+       .failed = [this](const Problem& problem,
+                        auto retry) { showNotice(problem, "Retry", std::move(retry)); }});
+  onSignal(window_, "destroy", [this] {
+    checkout_.setEvents({});
+    stopTimer();
+  });
 }
 
 void ShopWindow::show(Page page) {
@@ -204,19 +217,41 @@ void ShopWindow::setBusy(const char* activity) {
   setText(activity_, isBusy ? activity : "");
   gtk_spinner_set_spinning(GTK_SPINNER(spinner_), static_cast<gboolean>(isBusy));
   setVisible(busy_, isBusy);
-  setSensitive(pageBox_, !isBusy);
-  setSensitive(header_, !isBusy);
-  if (isBusy) setVisible(notice_, false);
-  if (!isBusy) focusPage();
+  setVisible(takesLonger_, false);
+  // What closes the window stays of use.
+  for (GtkWidget* part : {pageBox_, back_, navigation_}) setSensitive(part, !isBusy);
+  stopTimer();
+  if (!isBusy) return focusPage();
+  setVisible(notice_, false);
+  const auto offer = [](gpointer self) -> gboolean {
+    static_cast<ShopWindow*>(self)->offerToStop();
+    return G_SOURCE_REMOVE;
+  };
+  timer_ = g_timeout_add_seconds(patience_, offer, this);
 }
 
-void ShopWindow::showProblem(const Problem& problem, std::function<void()> retry) {
+void ShopWindow::offerToStop() {
+  timer_ = 0;
+  setVisible(takesLonger_, true);
+  gtk_widget_child_focus(takesLonger_, GTK_DIR_TAB_FORWARD);
+}
+
+void ShopWindow::stopTimer() {
+  if (timer_ != 0) g_source_remove(std::exchange(timer_, 0));
+}
+
+void ShopWindow::showNotice(const Problem& problem, const char* label,
+                            std::function<void()> action) {
   setText(noticeTitle_, problem.title);
   setText(noticeAdvice_, problem.advice);
-  retry_ = std::move(retry);
-  setVisible(retryButton_, retry_ != nullptr);
+  gtk_button_set_label(GTK_BUTTON(noticeButton_), label);
+  noticeAction_ = std::move(action);
+  setVisible(noticeButton_, noticeAction_ != nullptr);
   setVisible(notice_, true);
-  gtk_widget_grab_focus(retryButton_);
+  // To its dismissal, so that a key pressed twice does nothing that cannot be undone.
+  gtk_widget_grab_focus(dismiss_);
 }
 
-void ShopWindow::focusPage() { gtk_widget_child_focus(pageBox_, GTK_DIR_TAB_FORWARD); }
+void ShopWindow::focusPage() {
+  gtk_widget_child_focus(pages_[static_cast<std::size_t>(page_)], GTK_DIR_TAB_FORWARD);
+}

@@ -45,6 +45,7 @@ void WalletPage::setAccount(const LinkedAccount& account) {
   setText(phone_, account.phone);
   removeChildren(optionBox_);
   buttons_.clear();
+  shortages_.clear();
   options_ = account.options;
   for (const auto& option : options_) gtk_box_append(GTK_BOX(optionBox_), makeOption(option));
   if (options_.empty()) {
@@ -66,7 +67,8 @@ GtkWidget* WalletPage::makeOption(const PaymentOption& option) {
   }
   onSignal(button, "toggled", [this] { update(); });
   buttons_.push_back(button);
-  return makeBox(GTK_ORIENTATION_VERTICAL, 0, {button}, "card option");
+  shortages_.push_back(makeLabel("", "wrong-text"));
+  return makeBox(GTK_ORIENTATION_VERTICAL, 0, {button, shortages_.back()}, "card option");
 }
 
 /// Offers what the basket costs to the options that hold as much.
@@ -79,7 +81,10 @@ void WalletPage::update() {
   GtkWidget* first = nullptr;
   for (std::size_t index = 0; index < buttons_.size(); ++index) {
     GtkWidget* const button = buttons_[index];
-    const bool isEnough = options_[index].balance >= total;
+    const auto missing = total - options_[index].balance;
+    const bool isEnough = missing <= 0;
+    setText(shortages_[index], "You need " + moneyText(missing) + " more");
+    setVisible(shortages_[index], !isEnough);
     setSensitive(button, isEnough);
     if (!isEnough) continue;
     if (first == nullptr) first = button;

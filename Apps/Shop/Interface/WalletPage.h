@@ -28,6 +28,7 @@ class WalletPage {
   Actions actions_;
   std::vector<PaymentOption> options_;
   std::vector<GtkWidget*> buttons_;
+  std::vector<GtkWidget*> shortages_;
   GtkWidget* phone_;
   GtkWidget* optionBox_;
   GtkWidget* payment_;

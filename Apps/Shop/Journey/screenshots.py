@@ -7,7 +7,7 @@ import subprocess
 import sys
 import tempfile
 
-from journey import completes, confirm, order
+from journey import completes, confirm, enter_phone, order
 from robot import Robot, Stuck
 
 PHONE, DESKTOP = (360, 640), (1280, 800)
@@ -20,8 +20,7 @@ def take(program, folder, size, dark):
             robot.click(f"Add {thing}")
         pictures = [robot.screenshot("menu")]
         order(robot)
-        robot.click("Phone number", "text")
-        robot.type("81234567890")
+        enter_phone(robot)
         pictures.append(robot.screenshot("link"))
         robot.click("Link wallet")
         robot.page()

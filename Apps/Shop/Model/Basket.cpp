@@ -3,6 +3,12 @@
 #include <algorithm>
 #include <numeric>
 
+Cents total(const BasketLines& lines) {
+  Cents sum = 0;
+  for (const auto& line : lines) sum += line.price();
+  return sum;
+}
+
 void Basket::add(std::size_t item, int change) {
   constexpr int most = 99;
   auto& quantity = quantities_.at(item);
@@ -10,27 +16,16 @@ void Basket::add(std::size_t item, int change) {
   changed();
 }
 
-void Basket::add(const std::vector<BasketLine>& lines) {
+void Basket::remove(const BasketLines& lines) {
   for (const auto& [item, quantity] : lines) {
-    add(static_cast<std::size_t>(item - ShopMenu.data()), quantity);
+    add(static_cast<std::size_t>(item - ShopMenu.data()), -quantity);
   }
-}
-
-void Basket::clear() {
-  quantities_.fill(0);
-  changed();
 }
 
 int Basket::count() const { return std::accumulate(quantities_.begin(), quantities_.end(), 0); }
 
-Cents Basket::total() const {
-  Cents sum = 0;
-  for (const auto& line : lines()) sum += line.price();
-  return sum;
-}
-
-std::vector<BasketLine> Basket::lines() const {
-  std::vector<BasketLine> lines;
+BasketLines Basket::lines() const {
+  BasketLines lines;
   for (std::size_t item = 0; item < ShopMenu.size(); ++item) {
     if (quantities_[item] > 0) lines.push_back({&ShopMenu[item], quantities_[item]});
   }

@@ -1,5 +1,6 @@
 #include "Apps/Shop/Model/Orders.h"
 
+#include <algorithm>
 #include <ctime>
 #include <random>
 
@@ -33,28 +34,21 @@ const char* stateName(Order::State state) {
       return "Paid";
     case Order::State::NotPaid:
       return "Not paid";
-    case Order::State::Refused:
-      return "Refused";
     case Order::State::Uncertain:
       return "Not certain";
   }
   return "";
 }
 
-Cents Order::total() const {
-  Cents sum = 0;
-  for (const auto& line : lines) sum += line.price();
-  return sum;
+void Order::restore(Cents amount) {
+  const auto found = std::ranges::find(earlierLines, amount, ::total);
+  if (total() != amount && found != earlierLines.end()) lines.swap(*found);
 }
 
-Order& Orders::add(std::vector<BasketLine> lines, std::string accountID, PaymentOption option) {
-  // The others stay where they are.
-  return orders_.emplace_front(Order{.id = newOrderID(),
-                                     .time = now(),
-                                     .lines = std::move(lines),
-                                     .accountID = std::move(accountID),
-                                     .option = std::move(option),
-                                     .state = Order::State::Sent,
-                                     .reason = {},
-                                     .transactionID = {}});
+Order& Orders::unpaid() {
+  if (!orders_.empty() && orders_.front().state != Order::State::Paid) return orders_.front();
+  auto& order = orders_.emplace_front();  // the others stay where they are
+  order.id = newOrderID();
+  order.time = now();
+  return order;
 }

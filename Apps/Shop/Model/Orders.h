@@ -18,23 +18,25 @@ struct Order {
   enum class State {
     Sent,      ///< The charge is under way.
     Paid,      ///< The money has moved.
-    NotPaid,   ///< The customer did not confirm; no money has moved.
-    Refused,   ///< The server said no; no money has moved.
-    Uncertain  ///< Nobody can tell yet; only ever sent again under the same id.
+    NotPaid,   ///< No money has moved.
+    Uncertain  ///< Nobody can tell yet.
   };
 
   std::string id;
   std::string time;
-  std::vector<BasketLine> lines;
+  BasketLines lines;
+  /// What it was to be when it was tried before.
+  std::vector<BasketLines> earlierLines{};
   std::string accountID;
-  /// As it was before the charge.
   PaymentOption option;
-  State state = State::Sent;
+  State state = State::NotPaid;
   /// Why it is not paid, for the customer.
   std::string reason;
   std::string transactionID;
 
-  [[nodiscard]] Cents total() const;
+  [[nodiscard]] Cents total() const { return ::total(lines); }
+  /// Makes it what it was when it cost `amount`.
+  void restore(Cents amount);
 };
 
 /// For people: "Paid", "Not paid", …
@@ -43,8 +45,9 @@ const char* stateName(Order::State state);
 /// The orders of this session, the newest first.
 class Orders {
  public:
-  /// An order under a new id, kept at the same address until the session ends.
-  Order& add(std::vector<BasketLine> lines, std::string accountID, PaymentOption option);
+  /// The order that is not paid yet, under the id that it keeps until it is, whatever becomes of
+  /// each try; a new one when there is none. Stays at its address until the session ends.
+  Order& unpaid();
 
   [[nodiscard]] std::deque<Order>& all() { return orders_; }
 
