@@ -62,7 +62,7 @@ class ZLVMerchant {
   ZLVSandboxAnswer unbind(const ZLVSandboxRequest& request, std::string_view accountID);
   ZLVSandboxAnswer charge(const ZLVSandboxRequest& request, std::string_view);
   /// What has become of an order's charge; for the merchant's own application, not for the library.
-  ZLVSandboxAnswer order(const ZLVSandboxRequest&, std::string_view orderID) const;
+  [[nodiscard]] ZLVSandboxAnswer order(const ZLVSandboxRequest&, std::string_view orderID) const;
 
   /// Null when there is no such thing to approve.
   [[nodiscard]] const Approval* approval(std::string_view page, std::string_view token) const;

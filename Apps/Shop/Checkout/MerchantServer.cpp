@@ -24,7 +24,7 @@ ZLVDictionary parsedTexts(const std::string& text) {
 
 void MerchantServer::order(const std::string& id,
                            ZLVCompletionHandler<ZLVTransactionResult> completion) {
-  const auto& platform = ZLVPlatform::installed("order");
+  const auto& platform = ZLVPlatform::installed();
   if (!session_) session_ = platform.makeURLSession();
   const auto finish = [completion = std::move(completion)](const ZLVURLAnswer& answer) {
     if (answer.error) return completion(nullptr, answer.error);
