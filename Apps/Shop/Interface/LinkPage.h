@@ -18,7 +18,6 @@ class LinkPage {
   void submit();
 
   Link link_;
-  GtkWidget* country_;
   GtkWidget* phone_;
   GtkWidget* problem_;
   GtkWidget* widget_;

@@ -33,6 +33,7 @@ GtkWidget* makeBrandIcon() {
   GtkWidget* const icon = gtk_image_new_from_resource(
       (std::string(ShopResources) + "com.example.CornerCoffee.svg").c_str());
   gtk_image_set_pixel_size(GTK_IMAGE(icon), size);
+  gtk_widget_set_margin_start(icon, 10);  // in line with the page
   return icon;
 }
 
