@@ -22,8 +22,7 @@ std::size_t codeLength(std::string_view digits) {
 LinkPage::LinkPage(Link link)
     : link_(std::move(link)),
       phone_(gtk_entry_new()),
-      problem_(
-          makeLabel("Enter the number with its country's code, as in +1 555 0123.", "wrong-text")) {
+      problem_(makeLabel("Begin with the country's code, as in +1 555 0123.", "wrong-text")) {
   gtk_entry_set_input_purpose(GTK_ENTRY(phone_), GTK_INPUT_PURPOSE_PHONE);
   gtk_entry_set_placeholder_text(GTK_ENTRY(phone_), "+1 555 0123");
   GtkWidget* const label = makeLabel("Phone number", "strong small");
