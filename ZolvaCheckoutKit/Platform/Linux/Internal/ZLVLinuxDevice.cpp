@@ -26,11 +26,11 @@ utsname kernelNames() {
 ZLVLinuxDevice::ZLVLinuxDevice(ZLVLinuxApplication application, std::filesystem::path root)
     : application_(std::move(application)),
       root_(std::move(root)),
-      productName_(root_ / "sys/class/dmi/id/product_name"),
-      boardModel_(root_ / "proc/device-tree/model"),
-      prettyHostname_(root_ / "etc/machine-info", "PRETTY_HOSTNAME"),
-      versionByAdministrator_(root_ / "etc/os-release", "VERSION_ID"),
-      versionByVendor_(root_ / "usr/lib/os-release", "VERSION_ID") {}
+      productName_(root_, "sys/class/dmi/id/product_name"),
+      boardModel_(root_, "proc/device-tree/model"),
+      prettyHostname_(root_, "etc/machine-info", "PRETTY_HOSTNAME"),
+      versionByAdministrator_(root_, "etc/os-release", "VERSION_ID"),
+      versionByVendor_(root_, "usr/lib/os-release", "VERSION_ID") {}
 
 std::optional<std::string> ZLVLinuxDevice::identifierForVendor() const {
   for (const char* file : {"etc/machine-id", "var/lib/dbus/machine-id"}) {

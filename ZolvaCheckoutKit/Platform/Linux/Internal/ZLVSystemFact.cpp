@@ -1,6 +1,5 @@
 #include <ctime>
 #include <tuple>
-#include <utility>
 
 #include <ZolvaCheckoutKit/Platform/Linux/Internal/ZLVSystemFact.h>
 #include <ZolvaCheckoutKit/Platform/Linux/Internal/ZLVSystemFile.h>
@@ -19,15 +18,15 @@ bool isSame(const struct stat& left, const struct stat& right) {
 
 }  // namespace
 
-ZLVSystemFact::ZLVSystemFact(std::filesystem::path file, std::string key)
-    : file_(std::move(file)), key_(std::move(key)) {}
+ZLVSystemFact::ZLVSystemFact(const std::filesystem::path& root, const char* file, const char* key)
+    : file_(root / file), key_(key) {}
 
 std::optional<std::string> ZLVSystemFact::value() const {
   struct stat file {};
   if (stat(file_.c_str(), &file) != 0) return std::nullopt;
   const std::lock_guard lock(mutex_);
   if (!known_ || !isSame(*known_, file)) {
-    value_ = key_.empty() ? ZLVSystemFile::firstLine(file_) : ZLVSystemFile::setting(file_, key_);
+    value_ = *key_ == '\0' ? ZLVSystemFile::firstLine(file_) : ZLVSystemFile::setting(file_, key_);
     known_.reset();
     // A file that has only just changed may change once more without showing it.
     if (file.st_ctim.tv_sec + granularity < std::time(nullptr)) known_ = file;

@@ -11,14 +11,15 @@
 /// another one or has changed. Any thread.
 class ZLVSystemFact {
  public:
-  /// The value of `key` as in `ZLVSystemFile::setting`, or without one the first line.
-  explicit ZLVSystemFact(std::filesystem::path file, std::string key = {});
+  /// Of the file below `root` the value of `key` as in `ZLVSystemFile::setting`, or without one the
+  /// first line. The key is kept as it is.
+  ZLVSystemFact(const std::filesystem::path& root, const char* file, const char* key = "");
 
   [[nodiscard]] std::optional<std::string> value() const;
 
  private:
   const std::filesystem::path file_;
-  const std::string key_;
+  const char* const key_;
   mutable std::mutex mutex_;
   mutable std::optional<struct stat> known_;  // the file that `value_` is from
   mutable std::optional<std::string> value_;
