@@ -80,8 +80,8 @@ TEST(Session, SendsARequestWithEffectsOnce) {
         return Reply{RawServer::response("{}")};
       });
       const auto session = makeSession();
-      std::vector<std::future<ZLVURLAnswer>> first;
-      for (int i = 0; i < kept; ++i) first.push_back(start(*session, request(server.url())));
+      std::vector<std::future<ZLVURLAnswer>> first(static_cast<std::size_t>(kept));
+      for (auto& answer : first) answer = start(*session, request(server.url()));
       for (auto& answer : first) ASSERT_EQ(code(answer.get()), 0);
       const auto answer = call(*session, request(server.url(), method));
       EXPECT_EQ(code(answer), NSURLErrorNetworkConnectionLost) << method;

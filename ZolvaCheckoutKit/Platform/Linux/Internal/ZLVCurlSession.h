@@ -9,8 +9,8 @@
 
 class ZLVCurlLoop;
 
-/// Sends HTTP requests with libcurl, on a thread of its own on which the handlers are called. May be
-/// destroyed in a handler.
+/// Sends HTTP requests with libcurl, on a thread of its own on which the handlers are called. May
+/// be destroyed in a handler.
 class ZLVCurlSession final : public ZLVURLSession {
  public:
   ZLVCurlSession(ZLVCurlConfiguration configuration, std::optional<std::string> CAFile);
