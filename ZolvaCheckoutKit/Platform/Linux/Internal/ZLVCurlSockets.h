@@ -40,9 +40,9 @@ class ZLVCurlSockets {
  private:
   using Clock = std::chrono::steady_clock;
   struct Socket {
-    curl_socket_t socket;
-    Clock::time_point start;
-    Manner* manner;                    // until it is settled
+    curl_socket_t socket = CURL_SOCKET_BAD;
+    Clock::time_point start = {};
+    Manner* manner = nullptr;          // until it is settled
     long localPort = 0, peerPort = 0;  // once it is kept
   };
 

@@ -168,7 +168,8 @@ ZLVError ZLVTransportError::error(NSURLError code, const std::string& URL, bool 
 
 NSURLError ZLVTransportError::code(CURLcode result, CURL* transfer, std::string_view message) {
   // TLS 1.3 tells only once the request is on its way, and libcurl only in OpenSSL's words.
-  if (result == CURLE_RECV_ERROR && message.find("certificate required") != message.npos) {
+  if (result == CURLE_RECV_ERROR &&
+      message.find("certificate required") != std::string_view::npos) {
     return NSURLErrorClientCertificateRejected;
   }
   const long wanted = detail(result, transfer);
