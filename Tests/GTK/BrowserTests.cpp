@@ -141,6 +141,10 @@ TEST(Browser, ShowsWhatIsWrongAndTriesAgain) {
     EXPECT_TRUE(hasFocusInside(host, gtk_widget_get_parent(host.find("Try Again"))));
     host.click("Close");
     ASSERT_TRUE(host.waitUntilClosed());
+    host.present("http://127.0.0.1:1/");  // the engine refuses this port without a word
+    ASSERT_TRUE(waitFor([&] { return host.find("This address cannot be shown") != nullptr; }));
+    host.click("Close");
+    ASSERT_TRUE(host.waitUntilClosed());
 
     host.present(server.url());
     host.clickElement("p");
@@ -149,6 +153,55 @@ TEST(Browser, ShowsWhatIsWrongAndTriesAgain) {
     EXPECT_EQ(host.webView(), nullptr);
     host.click("Reload");
     host.clickElement("p");
+  });
+}
+
+TEST(Browser, TellsThatNoApplicationOpensTheLink) {
+  Host host;
+  const std::string link = std::string(Host::unclaimedScheme) + "://x";
+  const RawServer server([&](auto& request) {
+    if (request.starts_with("GET /redirect")) {
+      return RawServer::Reply{RawServer::redirect(302, link)};
+    }
+    return page("<a href=" + link + ">link</a>");
+  });
+  host.run([&] {
+    host.present(server.url("/redirect"));
+    ASSERT_TRUE(waitFor([&] { return host.find("No app opens this link") != nullptr; }));
+    EXPECT_EQ(host.webView(), nullptr);
+    host.click("Close");
+    ASSERT_TRUE(host.waitUntilClosed());
+
+    host.present(server.url());
+    host.clickElement("a");
+    ASSERT_TRUE(waitFor([&] { return host.find("No app opens this link") != nullptr; }));
+    EXPECT_NE(host.webView(), nullptr);
+    GtkWidget* const notice = gtk_widget_get_parent(host.find("No app opens this link"));
+    EXPECT_EQ(gtk_accessible_get_accessible_role(GTK_ACCESSIBLE(notice)),
+              GTK_ACCESSIBLE_ROLE_ALERT);
+    const ZLVGText mismatch(gtk_test_accessible_check_property(
+        GTK_ACCESSIBLE(notice), GTK_ACCESSIBLE_PROPERTY_LABEL, "No app opens this link", nullptr));
+    EXPECT_EQ(mismatch, nullptr) << mismatch.get();
+    host.click("Dismiss");
+    EXPECT_TRUE(waitFor([&] { return host.find("No app opens this link") == nullptr; }));
+    EXPECT_TRUE(hasFocusInside(host, GTK_WIDGET(host.webView())));
+  });
+}
+
+TEST(Browser, TellsAProxysLoginFromAPages) {
+  const RawServer proxy([](auto&) {
+    return RawServer::Reply{RawServer::response("", "407 Proxy Authentication Required",
+                                                "Proxy-Authenticate: Basic realm=proxy\r\n")};
+  });
+  g_setenv("http_proxy", proxy.url().c_str(), TRUE);
+  g_unsetenv("no_proxy");
+  Host host;
+  host.run([&] {
+    host.present("http://wallet.example/");
+    ASSERT_TRUE(waitFor([&] { return host.find("Your network asks for a login") != nullptr; }));
+    EXPECT_EQ(host.find("wallet.example"), nullptr);
+    host.click("Try Again");
+    EXPECT_TRUE(waitFor([&] { return proxy.requests().size() == 2; }));
   });
 }
 

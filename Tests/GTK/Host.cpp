@@ -73,7 +73,7 @@ Host::Host(ZLVLinuxOptions options)
   const auto openURL = [this](const ZLVURL& url) {
     openedURLs_.push_back(url.absoluteString());
     ZLVClient::handleCallbackUrl(url);
-    return true;
+    return url.scheme() != unclaimedScheme;
   };
   ZLVPlatform::install(ZLVGTKPlatform::platformWithApplication(application_, std::move(options),
                                                                {.openURL = openURL}));

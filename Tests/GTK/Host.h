@@ -22,6 +22,8 @@ bool waitFor(const std::function<bool()>& condition);
 class Host {
  public:
   static constexpr const char* callbackURL = "zolvatest://done";
+  /// Of URLs that no application takes.
+  static constexpr const char* unclaimedScheme = "unclaimed";
 
   /// Installs the platform; once in a process.
   explicit Host(ZLVLinuxOptions options = {});

@@ -27,11 +27,17 @@ ZLVBrowserScreen::ZLVBrowserScreen(ZLVDismissButtonStyle style,
              .shown = [this] { setContent(Content::Page); },
              .failed = [this](const auto& problem) { showProblem(problem); },
              .ledOut = events_.ledOut,
+             .wantsOut = [this](const auto& url) { offer(url); },
+             .fileRefused = [this] { tell(ZLVLocalized("This file cannot be opened here")); },
+             .dialogOpened = [this](auto dialog) { openDialog(std::move(dialog)); },
+             .pressed = [this] { dialog_.endRow(); },
              .closed = events_.closed}),
       bar_(style, {.close = events_.closed,
                    .goBack = [this] { goBack(); },
                    .reload = [this] { reload(); }}),
       problemPage_({.close = events_.closed, .reload = [this] { reload(); }}),
+      dialog_(page_.widget()),
+      notice_(page_.widget()),
       root_(ZLVGObject<GtkWidget>::retain(g_object_new(GTK_TYPE_BOX, "orientation",
                                                        GTK_ORIENTATION_VERTICAL, "accessible-role",
                                                        GTK_ACCESSIBLE_ROLE_DIALOG, nullptr))),
@@ -43,7 +49,8 @@ ZLVBrowserScreen::ZLVBrowserScreen(ZLVDismissButtonStyle style,
   GtkWidget* const content = gtk_overlay_new();
   gtk_widget_set_vexpand(content, TRUE);
   gtk_overlay_set_child(GTK_OVERLAY(content), page_.widget());
-  for (GtkWidget* above : {spinner_, problemPage_.widget(), bar_.progressBar()}) {
+  for (GtkWidget* above :
+       {spinner_, problemPage_.widget(), notice_.widget(), dialog_.widget(), bar_.progressBar()}) {
     gtk_overlay_add_overlay(GTK_OVERLAY(content), above);
   }
   gtk_box_append(GTK_BOX(root_.get()), bar_.widget());
@@ -58,7 +65,7 @@ void ZLVBrowserScreen::addShortcuts() {
   gtk_event_controller_set_propagation_phase(controller, GTK_PHASE_CAPTURE);
   gtk_shortcut_controller_set_scope(GTK_SHORTCUT_CONTROLLER(controller), GTK_SHORTCUT_SCOPE_GLOBAL);
   using Action = std::function<void()>;
-  const std::pair<const char*, Action> shortcuts[] = {{"Escape", events_.closed},
+  const std::pair<const char*, Action> shortcuts[] = {{"Escape", [this] { escape(); }},
                                                       {"<Alt>Left", [this] { goBack(); }},
                                                       {"F5|<Control>r", [this] { reload(); }}};
   for (const auto& [keys, action] : shortcuts) {
@@ -87,6 +94,8 @@ void ZLVBrowserScreen::grabFocus() {
 
 void ZLVBrowserScreen::setContent(Content content) {
   content_ = content;
+  dialog_.dismiss();
+  notice_.hide();
   // The page stays mapped below the spinner, where it gets ready to be seen, but not below a
   // problem, where it could still be used.
   gtk_widget_set_visible(page_.widget(), ZLVGBoolean(content != Content::Problem));
@@ -108,10 +117,36 @@ bool ZLVBrowserScreen::canReload() const {
 }
 
 bool ZLVBrowserScreen::canReturn() const {
-  return problem_.kind == ZLVProblem::Kind::Unreachable && page_.hasPage();
+  return ZLVProblemPage::isPageKept(problem_) && page_.hasPage();
+}
+
+void ZLVBrowserScreen::openingFailed() {
+  if (content_ == Content::Page) return tell(ZLVLocalized("No app opens this link"));
+  page_.openingFailed();
+}
+
+void ZLVBrowserScreen::openDialog(ZLVScriptDialog dialog) {
+  // What cannot be seen cannot be answered, other than with no.
+  if (content_ == Content::Page) dialog_.open(page_.state().host, std::move(dialog));
+}
+
+void ZLVBrowserScreen::tell(const char* text) {
+  if (content_ == Content::Page) notice_.show(text);
+}
+
+void ZLVBrowserScreen::offer(const ZLVURL& url) {
+  if (content_ != Content::Page) return;
+  notice_.show(ZLVLocalized("The page wants to open another app"),
+               [this, url] { events_.ledOut(url); });
+}
+
+void ZLVBrowserScreen::escape() {
+  if (dialog_.isOpen()) return dialog_.cancel();
+  events_.closed();
 }
 
 void ZLVBrowserScreen::goBack() {
+  dialog_.dismiss();
   if (content_ == Content::Page) return page_.goBack();
   if (content_ != Content::Problem || !canReturn()) return;
   setContent(Content::Page);
@@ -121,6 +156,8 @@ void ZLVBrowserScreen::goBack() {
 
 void ZLVBrowserScreen::reload() {
   if (!canReload()) return;
+  dialog_.dismiss();
+  dialog_.endRow();
   if (content_ != Content::Problem) return page_.reload();
   setContent(Content::Loading);
   page_.load(problem_.URL);

@@ -9,7 +9,9 @@
 #include <ZolvaCheckoutKit/Platform/GTK/Internal/ZLVBrowserBar.h>
 #include <ZolvaCheckoutKit/Platform/GTK/Internal/ZLVCertificateAuthorities.h>
 #include <ZolvaCheckoutKit/Platform/GTK/Internal/ZLVGObject.h>
+#include <ZolvaCheckoutKit/Platform/GTK/Internal/ZLVNotice.h>
 #include <ZolvaCheckoutKit/Platform/GTK/Internal/ZLVProblemPage.h>
+#include <ZolvaCheckoutKit/Platform/GTK/Internal/ZLVScriptDialogView.h>
 #include <ZolvaCheckoutKit/Platform/GTK/Internal/ZLVSignals.h>
 #include <ZolvaCheckoutKit/Platform/GTK/Internal/ZLVWebPage.h>
 #include <ZolvaCheckoutKit/Platform/ZLVUserInterface.h>
@@ -32,6 +34,8 @@ class ZLVBrowserScreen {
 
   void load(const std::string& url);
   void grabFocus();
+  /// Nothing opens the URL that the page has led to.
+  void openingFailed();
 
  private:
   enum class Content { Loading, Page, Problem };
@@ -39,6 +43,12 @@ class ZLVBrowserScreen {
   void addShortcuts();
   void setContent(Content content);
   void showProblem(const ZLVProblem& problem);
+  void openDialog(ZLVScriptDialog dialog);
+  /// What the page wanted in vain.
+  void tell(const char* text);
+  /// Asks whether to open a URL that only the page wants opened.
+  void offer(const ZLVURL& url);
+  void escape();
   void goBack();
   void reload();
   [[nodiscard]] bool canReload() const;
@@ -50,6 +60,8 @@ class ZLVBrowserScreen {
   ZLVWebPage page_;
   ZLVBrowserBar bar_;
   ZLVProblemPage problemPage_;
+  ZLVScriptDialogView dialog_;
+  ZLVNotice notice_;
   ZLVGObject<GtkWidget> root_;
   GtkWidget* spinner_ = nullptr;
   Content content_ = Content::Loading;

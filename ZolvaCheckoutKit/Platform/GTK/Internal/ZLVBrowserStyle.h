@@ -10,6 +10,9 @@ class ZLVBrowserStyle {
   static constexpr const char* notSecure = "zlv-not-secure";
   static constexpr const char* progress = "zlv-progress";
   static constexpr const char* problem = "zlv-problem";
+  static constexpr const char* shade = "zlv-shade";
+  static constexpr const char* dialog = "zlv-dialog";
+  static constexpr const char* notice = "zlv-notice";
 
   /// Teaches the display the classes; again does nothing.
   static void install();

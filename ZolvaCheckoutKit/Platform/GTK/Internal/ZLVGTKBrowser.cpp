@@ -36,8 +36,12 @@ void ZLVGTKBrowser::show(ZLVViewController& presenter, bool animated, ZLVOnce<vo
   }
 
   ZLVBrowserStyle::install();
-  const auto openURL = [queue = environment_->mainQueue](const ZLVURL& url) {
-    queue->dispatch([url] { ZLVPlatform::installed().userInterface->openURL(url); });
+  const auto openURL = [this, queue = environment_->mainQueue](const ZLVURL& url) {
+    queue->dispatch([url, weak = std::weak_ptr(self_)] {
+      if (ZLVPlatform::installed().userInterface->openURL(url)) return;
+      const auto self = weak.lock();
+      if (self && (*self)->shown_) (*self)->shown_->screen.openingFailed();
+    });
   };
   shown_ = std::make_unique<Shown>(
       style_, *environment_,

@@ -20,11 +20,28 @@ bool contains(const auto& schemes, std::string_view scheme) {
 
 }  // namespace
 
+void ZLVNavigationPolicy::pageCommitted() {
+  if (wish_ == Wish::Page) wish_ = Wish::None;
+}
+
+void ZLVNavigationPolicy::pressBegan() {
+  if (wish_ == Wish::Press) wish_ = Wish::None;
+}
+
 ZLVNavigationPolicy::Verdict ZLVNavigationPolicy::decide(const Navigation& navigation) {
   const char* const scheme = g_uri_peek_scheme(navigation.URL);
   if (scheme == nullptr || contains(refused, scheme)) return Verdict::Refuse;
   if (contains(loaded, scheme)) return Verdict::Load;
   if (scheme == empty) return navigation.isNewWindow ? Verdict::Refuse : Verdict::Load;
-  const bool isWanted = navigation.isUserGesture || navigation.isRedirect;
-  return isWanted && !navigation.isNewWindow ? Verdict::HandOver : Verdict::Refuse;
+  if (navigation.isNewWindow) return Verdict::Refuse;
+
+  const bool isWanted = navigation.isRedirect ? wish_ != Wish::None
+                                              : wish_ == Wish::Press && navigation.isUserGesture;
+  if (isWanted) {
+    wish_ = Wish::None;
+    return Verdict::HandOver;
+  }
+  // A page that nobody has touched may have waited for what the user does elsewhere.
+  const bool mayAsk = navigation.isRedirect && !navigation.isUserGesture;
+  return mayAsk ? Verdict::Ask : Verdict::Refuse;
 }

@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <iterator>
 #include <utility>
 
@@ -9,38 +10,50 @@ namespace {
 
 /// What is said about a problem; texts are translated where they are shown, and "%s" is the host.
 struct Words {
+  ZLVProblem::Kind kind;
   const char* icon = nullptr;
   const char* title = nullptr;
   const char* text = nullptr;
   const char* reload = nullptr;  ///< Null where fetching the page again would change nothing.
   bool isReloadUsual = false;
+  bool isPageKept = false;  ///< The one that the problem came up on can still be used.
 };
 
-const Words& wordsFor(ZLVProblem::Kind kind) {
-  static constexpr Words certificate{"dialog-error-symbolic", N_("This page is not safe"), nullptr,
-                                     nullptr};
-  static constexpr Words unreachable{
-      "network-server-symbolic", N_("The page cannot be shown"),
-      N_("%s does not answer. Check your internet connection and try again."), N_("Try Again"),
-      true};
-  static constexpr Words ledOut{
-      "dialog-information-symbolic", N_("Continue in the other app"),
-      N_("%s has sent you to another app. Close this page when you are done there."),
-      N_("Try Again")};
-  static constexpr Words crashed{"dialog-warning-symbolic", N_("The page has stopped working"),
-                                 N_("Reload it to go on. What you had entered may be lost."),
-                                 N_("Reload"), true};
-  switch (kind) {
-    case ZLVProblem::Kind::Certificate:
-      return certificate;
-    case ZLVProblem::Kind::LedOut:
-      return ledOut;
-    case ZLVProblem::Kind::Crashed:
-      return crashed;
-    case ZLVProblem::Kind::Unreachable:
-      break;
-  }
-  return unreachable;
+using Kind = ZLVProblem::Kind;
+
+/// The last one stands for any other.
+constexpr Words allWords[] = {
+    {Kind::Address, "dialog-warning-symbolic", N_("This address cannot be shown"),
+     N_("The page has led to an address that no page can be shown from."), nullptr, false, true},
+    {Kind::Certificate, "dialog-error-symbolic", N_("This page is not safe")},
+    {Kind::Crashed, "dialog-warning-symbolic", N_("The page has stopped working"),
+     N_("Reload it to go on. What you had entered may be lost."), N_("Reload"), true},
+    {Kind::Empty, "dialog-information-symbolic", N_("There is nothing to show"),
+     N_("%s has answered without a page. Close this one if you are done."), N_("Try Again")},
+    {Kind::File, "text-x-generic-symbolic", N_("This file cannot be opened here"),
+     N_("%s has sent a file instead of a page. Files are neither opened nor kept here."), nullptr},
+    {Kind::LedOut, "dialog-information-symbolic", N_("Continue in the other app"),
+     N_("%s has sent you to another app. Close this page when you are done there."),
+     N_("Try Again")},
+    {Kind::Login, "dialog-password-symbolic", N_("The page asks for a login"),
+     N_("%s wants a user name and a password before it shows the page. For your safety they are "
+        "not asked for here."),
+     nullptr, false, true},
+    {Kind::NoApplication, "dialog-warning-symbolic", N_("No app opens this link"),
+     N_("%s has sent you to an app that is not on this device. Install it and try again."),
+     N_("Try Again")},
+    {Kind::ProxyLogin, "dialog-password-symbolic", N_("Your network asks for a login"),
+     N_("The proxy %s wants a user name and a password. Log in to your network and try again."),
+     N_("Try Again"), true, true},
+    {Kind::Unreachable, "network-server-symbolic", N_("The page cannot be shown"),
+     N_("%s does not answer. Check your internet connection and try again."), N_("Try Again"), true,
+     true},
+};
+
+const Words& wordsFor(Kind kind) {
+  const auto* const found = std::find_if(std::begin(allWords), std::end(allWords) - 1,
+                                         [kind](const Words& words) { return words.kind == kind; });
+  return *found;
 }
 
 /// The worst comes first.
@@ -121,6 +134,10 @@ ZLVProblemPage::ZLVProblemPage(Actions actions)
 
 bool ZLVProblemPage::canReload(const ZLVProblem& problem) {
   return wordsFor(problem.kind).reload != nullptr;
+}
+
+bool ZLVProblemPage::isPageKept(const ZLVProblem& problem) {
+  return wordsFor(problem.kind).isPageKept;
 }
 
 void ZLVProblemPage::setProblem(const ZLVProblem& problem) {

@@ -22,6 +22,8 @@ class ZLVProblemPage {
 
   /// Whether it makes sense to fetch the page again after that.
   static bool canReload(const ZLVProblem& problem);
+  /// Whether the page that the problem came up on, if any, can still be used.
+  static bool isPageKept(const ZLVProblem& problem);
 
   void setProblem(const ZLVProblem& problem);
   /// Gives the focus to the button that is most likely wanted.

@@ -1,7 +1,5 @@
-#include <optional>
 #include <utility>
 
-#include <ZolvaCheckoutKit/Platform/GTK/Internal/ZLVNavigationPolicy.h>
 #include <ZolvaCheckoutKit/Platform/GTK/Internal/ZLVWebPage.h>
 #include <ZolvaCheckoutKit/Platform/GTK/Internal/ZLVWebView.h>
 
@@ -32,24 +30,23 @@ const char* urlOf(WebKitNavigationAction* action) {
   return webkit_uri_request_get_uri(webkit_navigation_action_get_request(action));
 }
 
-ZLVNavigationPolicy::Verdict verdictOn(WebKitNavigationAction* action, bool isNewWindow) {
-  return ZLVNavigationPolicy::decide(
-      {.URL = urlOf(action),
-       .isUserGesture = webkit_navigation_action_is_user_gesture(action) != FALSE,
-       .isRedirect = webkit_navigation_action_is_redirect(action) != FALSE,
-       .isNewWindow = isNewWindow});
-}
-
 }  // namespace
 
 ZLVWebPage::ZLVWebPage(std::shared_ptr<ZLVCertificateAuthorities> authorities, Events events)
     : authorities_(std::move(authorities)),
       events_(std::move(events)),
       session_(ZLVGObject<WebKitNetworkSession>::take(webkit_network_session_new_ephemeral())),
-      view_(ZLVWebView::make(session_.get())) {
+      view_(ZLVWebView::make(session_.get())),
+      presses_(view_.get(), {.began = [this] { policy_.pressBegan(); },
+                             .arrived =
+                                 [this](bool isInOwnFrame) {
+                                   policy_.pressArrived(isInOwnFrame);
+                                   events_.pressed();
+                                 }}) {
   webkit_network_session_set_persistent_credential_storage_enabled(session_.get(), FALSE);
   connectLoading();
   connectPolicies();
+  connectRefusals();
 }
 
 ZLVWebPage::~ZLVWebPage() {
@@ -67,8 +64,12 @@ ZLVWebPage::State ZLVWebPage::state() const {
 }
 
 void ZLVWebPage::load(std::string url) {
+  policy_.pageRequested();
+  request(std::move(url));
+}
+
+void ZLVWebPage::request(std::string url) {
   requestedURL_ = std::move(url);
-  hasLedOut_ = false;
   if (host_.empty()) host_ = displayedHost(requestedURL_.c_str());
   webkit_web_view_load_uri(view_.get(), requestedURL_.c_str());
 }
@@ -82,6 +83,10 @@ void ZLVWebPage::connectLoading() {
                      [this](WebKitWebView*, GParamSpec*) { events_.stateChanged(); });
   }
   signals_.connect(view, "load-changed", [this](WebKitWebView*, WebKitLoadEvent event) {
+    if (event == WEBKIT_LOAD_STARTED) {
+      interruption_ = ZLVProblem::Kind::Address;
+      login_.reset();
+    }
     if (event == WEBKIT_LOAD_COMMITTED) committed();
   });
   // Handled, or the engine would show a page of its own.
@@ -118,6 +123,21 @@ void ZLVWebPage::connectPolicies() {
                      openWindow(action);
                      return nullptr;
                    });
+  signals_.connect(view, "script-dialog",
+                   [this](WebKitWebView*, WebKitScriptDialog* dialog) -> gboolean {
+                     events_.dialogOpened(ZLVScriptDialog(dialog));
+                     return TRUE;
+                   });
+}
+
+void ZLVWebPage::connectRefusals() {
+  auto* const view = view_.get();
+  // The engine's own dialog would be one of a page that need not even be visible.
+  signals_.connect(view, "authenticate",
+                   [this](WebKitWebView*, WebKitAuthenticationRequest* request) -> gboolean {
+                     askedToLogIn(request);
+                     return TRUE;
+                   });
   signals_.connect(view, "permission-request",
                    [](WebKitWebView*, WebKitPermissionRequest* request) -> gboolean {
                      webkit_permission_request_deny(request);
@@ -128,9 +148,11 @@ void ZLVWebPage::connectPolicies() {
                      webkit_permission_state_query_finish(query, WEBKIT_PERMISSION_STATE_DENIED);
                      return TRUE;
                    });
-  signals_.connect(
-      session_.get(), "download-started",
-      [](WebKitNetworkSession*, WebKitDownload* download) { webkit_download_cancel(download); });
+  signals_.connect(session_.get(), "download-started",
+                   [this](WebKitNetworkSession*, WebKitDownload* download) {
+                     webkit_download_cancel(download);
+                     if (hasPage_) events_.fileRefused();
+                   });
   // The toolkit's print dialog would run a main loop of its own.
   signals_.connect(view, "print",
                    [](WebKitWebView*, WebKitPrintOperation*) -> gboolean { return TRUE; });
@@ -143,10 +165,11 @@ void ZLVWebPage::connectPolicies() {
 
 void ZLVWebPage::committed() {
   const char* const url = webkit_web_view_get_uri(view_.get());
+  policy_.pageCommitted();
   // The engine shows an empty page, and reports no failure, for a port that it will not talk to.
   const auto host = hostOf(url);
   hasPage_ = !host.empty();
-  if (!hasPage_) return fail(ZLVProblem::Kind::Unreachable, requestedURL_);
+  if (!hasPage_) return fail(ZLVProblem::Kind::Address, requestedURL_);
 
   requestedURL_ = url;
   host_ = displayedHost(url);
@@ -170,12 +193,33 @@ void ZLVWebPage::fail(ZLVProblem::Kind kind, std::string url, std::string detail
 }
 
 void ZLVWebPage::loadFailed(const char* url, const GError& error) const {
-  const bool isReplaced =
-      g_error_matches(&error, WEBKIT_NETWORK_ERROR, WEBKIT_NETWORK_ERROR_CANCELLED) != FALSE;
-  const bool isRefused = error.domain == WEBKIT_POLICY_ERROR;
-  if (isReplaced || (isRefused && hasPage_)) return;
-  if (!isRefused) return fail(ZLVProblem::Kind::Unreachable, url, error.message);
-  fail(hasLedOut_ ? ZLVProblem::Kind::LedOut : ZLVProblem::Kind::Unreachable, requestedURL_);
+  if (g_error_matches(&error, WEBKIT_NETWORK_ERROR, WEBKIT_NETWORK_ERROR_CANCELLED) != FALSE) {
+    // Without a login something else is loaded instead.
+    if (!login_) return;
+    auto problem = *login_;
+    problem.URL = url;
+    return events_.failed(problem);
+  }
+  if (error.domain != WEBKIT_POLICY_ERROR) {
+    return fail(ZLVProblem::Kind::Unreachable, url, error.message);
+  }
+  constexpr int interrupted = WEBKIT_POLICY_ERROR_FRAME_LOAD_INTERRUPTED_BY_POLICY_CHANGE;
+  if (error.code != interrupted) return fail(ZLVProblem::Kind::Address, url);
+  if (!hasPage_) return fail(interruption_, requestedURL_);
+  if (interruption_ == ZLVProblem::Kind::File) events_.fileRefused();
+}
+
+void ZLVWebPage::askedToLogIn(WebKitAuthenticationRequest* request) {
+  const bool isProxy = webkit_authentication_request_is_for_proxy(request) != FALSE;
+  login_ = {.kind = isProxy ? ZLVProblem::Kind::ProxyLogin : ZLVProblem::Kind::Login,
+            .host = webkit_authentication_request_get_host(request)};
+  webkit_authentication_request_cancel(request);
+}
+
+void ZLVWebPage::openingFailed() {
+  // The engine may be about to say that the load has ended.
+  interruption_ = ZLVProblem::Kind::NoApplication;
+  fail(interruption_, requestedURL_);
 }
 
 void ZLVWebPage::certificateFailed(const char* url, GTlsCertificate* certificate,
@@ -186,24 +230,42 @@ void ZLVWebPage::certificateFailed(const char* url, GTlsCertificate* certificate
     vouched_ = ZLVGObject<GTlsCertificate>::retain(certificate);
     webkit_network_session_allow_tls_certificate_for_host(session_.get(), certificate,
                                                           host.c_str());
-    return load(url);
+    return request(url);
   }
   fail(ZLVProblem::Kind::Certificate, url, {}, flags);
 }
 
+ZLVNavigationPolicy::Verdict ZLVWebPage::verdictOn(WebKitNavigationAction* action,
+                                                   bool isNewWindow) {
+  return policy_.decide({.URL = urlOf(action),
+                         .isUserGesture = webkit_navigation_action_is_user_gesture(action) != FALSE,
+                         .isRedirect = webkit_navigation_action_is_redirect(action) != FALSE,
+                         .isNewWindow = isNewWindow});
+}
+
 bool ZLVWebPage::decideNavigation(WebKitNavigationAction* action) {
-  switch (verdictOn(action, false)) {
-    case ZLVNavigationPolicy::Verdict::Load:
-      return webkit_navigation_action_get_navigation_type(action) !=
-             WEBKIT_NAVIGATION_TYPE_FORM_RESUBMITTED;
-    case ZLVNavigationPolicy::Verdict::HandOver:
-      hasLedOut_ = true;
-      if (const auto target = parsedURL(urlOf(action))) events_.ledOut(*target);
-      return false;
-    case ZLVNavigationPolicy::Verdict::Refuse:
-      break;
+  using Verdict = ZLVNavigationPolicy::Verdict;
+  const auto verdict = verdictOn(action, false);
+  if (verdict == Verdict::Load) {
+    return webkit_navigation_action_get_navigation_type(action) !=
+           WEBKIT_NAVIGATION_TYPE_FORM_RESUBMITTED;
   }
+  const auto target = verdict == Verdict::Refuse ? std::nullopt : parsedURL(urlOf(action));
+  if (!target) return false;
+  if (verdict == Verdict::HandOver) interruption_ = ZLVProblem::Kind::LedOut;
+  (verdict == Verdict::HandOver ? events_.ledOut : events_.wantsOut)(*target);
   return false;
+}
+
+bool ZLVWebPage::decideResponse(WebKitResponsePolicyDecision* decision) {
+  if (webkit_response_policy_decision_is_main_frame_main_resource(decision) != FALSE) {
+    const auto status =
+        webkit_uri_response_get_status_code(webkit_response_policy_decision_get_response(decision));
+    const bool isEmpty = status == SOUP_STATUS_NO_CONTENT || status == SOUP_STATUS_RESET_CONTENT;
+    interruption_ = isEmpty ? ZLVProblem::Kind::Empty : ZLVProblem::Kind::File;
+  }
+  // What the engine cannot show it would make a download of.
+  return webkit_response_policy_decision_is_mime_type_supported(decision) != FALSE;
 }
 
 void ZLVWebPage::openWindow(WebKitNavigationAction* action) {
@@ -212,10 +274,8 @@ void ZLVWebPage::openWindow(WebKitNavigationAction* action) {
 }
 
 bool ZLVWebPage::decide(WebKitPolicyDecision* decision, WebKitPolicyDecisionType type) {
-  // What the engine cannot show it would make a download of.
   if (type == WEBKIT_POLICY_DECISION_TYPE_RESPONSE) {
-    return webkit_response_policy_decision_is_mime_type_supported(
-               WEBKIT_RESPONSE_POLICY_DECISION(decision)) != FALSE;
+    return decideResponse(WEBKIT_RESPONSE_POLICY_DECISION(decision));
   }
   auto* const action = webkit_navigation_policy_decision_get_navigation_action(
       WEBKIT_NAVIGATION_POLICY_DECISION(decision));

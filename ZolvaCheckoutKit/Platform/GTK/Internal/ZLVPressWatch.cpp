@@ -1,0 +1,63 @@
+#include <utility>
+
+#include <ZolvaCheckoutKit/Platform/GTK/Internal/ZLVPressWatch.h>
+
+namespace {
+
+/// A world of our own: the page's scripts neither see what is in it nor can send its messages.
+constexpr const char* world = "ZolvaCheckoutKit";
+constexpr const char* message = "press";
+
+/// One press makes several events, each of a higher rank than the one before.
+constexpr const char* source = R"js((() => {
+  const ranks = {touchstart: 0, mousedown: 1, keydown: 1, click: 2};
+  let last = 2;
+  for (const type in ranks) {
+    addEventListener(type, event => {
+      if (!event.isTrusted || event.repeat) return;
+      const isNew = ranks[type] <= last;
+      last = ranks[type];
+      if (!isNew) return;
+      const isOwn = Array.from(location.ancestorOrigins).every(ancestor => ancestor === origin);
+      webkit.messageHandlers.press.postMessage(isOwn);
+    }, true);
+  }
+})())js";
+
+bool isPress(GdkEvent* event) {
+  switch (gdk_event_get_event_type(event)) {
+    case GDK_BUTTON_PRESS:
+    case GDK_KEY_PRESS:
+    case GDK_TOUCH_BEGIN:
+      return true;
+    default:
+      return false;
+  }
+}
+
+}  // namespace
+
+ZLVPressWatch::ZLVPressWatch(WebKitWebView* view, Events events) {
+  auto* const manager = webkit_web_view_get_user_content_manager(view);
+  WebKitUserScript* const script = webkit_user_script_new_for_world(
+      source, WEBKIT_USER_CONTENT_INJECT_ALL_FRAMES, WEBKIT_USER_SCRIPT_INJECT_AT_DOCUMENT_START,
+      world, nullptr, nullptr);
+  webkit_user_content_manager_add_script(manager, script);
+  webkit_user_script_unref(script);
+  signals_.connect(
+      manager, "script-message-received::press",
+      [arrived = std::move(events.arrived)](WebKitUserContentManager*, JSCValue* value) {
+        arrived(jsc_value_to_boolean(value) != FALSE);
+      });
+  webkit_user_content_manager_register_script_message_handler(manager, message, world);
+
+  GtkEventController* const controller = gtk_event_controller_legacy_new();
+  gtk_event_controller_set_propagation_phase(controller, GTK_PHASE_CAPTURE);
+  signals_.connect(
+      controller, "event",
+      [began = std::move(events.began)](GtkEventController*, GdkEvent* event) -> gboolean {
+        if (isPress(event)) began();
+        return FALSE;
+      });
+  gtk_widget_add_controller(GTK_WIDGET(view), controller);
+}
