@@ -135,7 +135,11 @@ TEST(Browser, ShowsWhatIsWrongAndTriesAgain) {
     port = free.port();
   }
   host.run([&] {
-    const RawServer server([](auto&) { return page("<p>page"); });
+    const RawServer server([](auto& request) {
+      if (!request.starts_with("GET /login")) return page("<p>page</p><a href=/login>log in</a>");
+      return RawServer::Reply{
+          RawServer::response("", "401 Unauthorized", "WWW-Authenticate: Basic realm=page\r\n")};
+    });
     host.present("http://127.0.0.1:" + std::to_string(port) + "/");
     ASSERT_TRUE(waitFor([&] { return host.find("The page cannot be shown") != nullptr; }));
     EXPECT_TRUE(hasFocusInside(host, gtk_widget_get_parent(host.find("Try Again"))));
@@ -147,6 +151,9 @@ TEST(Browser, ShowsWhatIsWrongAndTriesAgain) {
     ASSERT_TRUE(host.waitUntilClosed());
 
     host.present(server.url());
+    host.clickElement("a");
+    ASSERT_TRUE(waitFor([&] { return host.find("The page asks for a login") != nullptr; }));
+    host.click("Back (Alt+Left)");
     host.clickElement("p");
     webkit_web_view_terminate_web_process(host.webView());
     ASSERT_TRUE(waitFor([&] { return host.find("The page has stopped working") != nullptr; }));

@@ -25,11 +25,11 @@ constexpr auto rules = R"css(
 .zlv-problem image { opacity: 0.7; }
 .zlv-problem .title { font-size: 1.5em; font-weight: bold; }
 .zlv-problem button { min-width: 200px; min-height: 32px; }
-.zlv-shade { background-color: alpha(black, 0.5); padding: 16px; }
+.zlv-shade { background-color: alpha(black, 0.5); }
 .zlv-dialog, .zlv-notice {
   background-color: @theme_bg_color; border: 1px solid @borders; border-radius: 8px;
 }
-.zlv-dialog { padding: 18px; }
+.zlv-dialog { margin: 16px; padding: 18px; }
 .zlv-dialog button { min-height: 32px; }
 .zlv-notice { margin: 12px; padding: 8px 8px 8px 14px; }
 )css";

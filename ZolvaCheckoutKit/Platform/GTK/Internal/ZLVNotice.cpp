@@ -35,9 +35,12 @@ ZLVNotice::~ZLVNotice() { stopTimer(); }
 void ZLVNotice::show(const char* text, std::function<void()> open) {
   stopTimer();
   action_ = std::move(open);
-  gtk_label_set_text(GTK_LABEL(text_), text);
-  gtk_accessible_update_property(GTK_ACCESSIBLE(root_.get()), GTK_ACCESSIBLE_PROPERTY_LABEL, text,
-                                 -1);
+  // What is there already is not announced again.
+  if (g_strcmp0(gtk_label_get_text(GTK_LABEL(text_)), text) != 0) {
+    gtk_label_set_text(GTK_LABEL(text_), text);
+    gtk_accessible_update_property(GTK_ACCESSIBLE(root_.get()), GTK_ACCESSIBLE_PROPERTY_LABEL, text,
+                                   -1);
+  }
   gtk_widget_set_visible(open_, ZLVGBoolean(static_cast<bool>(action_)));
   gtk_widget_set_visible(root_.get(), TRUE);
   if (action_) return;

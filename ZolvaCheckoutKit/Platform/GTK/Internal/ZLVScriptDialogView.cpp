@@ -44,7 +44,6 @@ GtkWidget* makeMessage() {
   gtk_label_set_wrap(GTK_LABEL(message), TRUE);
   gtk_label_set_wrap_mode(GTK_LABEL(message), PANGO_WRAP_WORD_CHAR);
   gtk_label_set_xalign(GTK_LABEL(message), 0);
-  gtk_widget_set_valign(message, GTK_ALIGN_START);
   constexpr int readableWidth = 44;
   gtk_label_set_max_width_chars(GTK_LABEL(message), readableWidth);
   return message;
@@ -63,12 +62,15 @@ GtkWidget* makeScroller(GtkWidget* content) {
 }  // namespace
 
 ZLVScriptDialogView::ZLVScriptDialogView(GtkWidget* page)
-    : root_(ZLVGObject<GtkWidget>::retain(gtk_box_new(GTK_ORIENTATION_VERTICAL, 0))),
+    : root_(ZLVGObject<GtkWidget>::retain(gtk_scrolled_window_new())),
       page_(ZLVGObject<GtkWidget>::retain(page)) {
   gtk_widget_add_css_class(root_.get(), ZLVBrowserStyle::shade);
   gtk_widget_set_visible(root_.get(), FALSE);
   makeCard();
-  gtk_box_append(GTK_BOX(root_.get()), card_);
+  // For a window that is too low even for the buttons.
+  gtk_scrolled_window_set_policy(GTK_SCROLLED_WINDOW(root_.get()), GTK_POLICY_NEVER,
+                                 GTK_POLICY_AUTOMATIC);
+  gtk_scrolled_window_set_child(GTK_SCROLLED_WINDOW(root_.get()), card_);
 }
 
 void ZLVScriptDialogView::makeCard() {
@@ -77,6 +79,8 @@ void ZLVScriptDialogView::makeCard() {
                                   spacing, "accessible-role", GTK_ACCESSIBLE_ROLE_ALERT_DIALOG,
                                   "halign", GTK_ALIGN_CENTER, "valign", GTK_ALIGN_CENTER, "vexpand",
                                   TRUE, nullptr));
+  constexpr int width = 260;
+  gtk_widget_set_size_request(card_, width, -1);
   gtk_widget_add_css_class(card_, ZLVBrowserStyle::dialog);
   // As in the bar: of a name that is too long the end says whose it is.
   host_ = gtk_label_new(nullptr);

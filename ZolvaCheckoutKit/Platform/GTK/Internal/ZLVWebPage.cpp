@@ -30,6 +30,16 @@ const char* urlOf(WebKitNavigationAction* action) {
   return webkit_uri_request_get_uri(webkit_navigation_action_get_request(action));
 }
 
+bool isAttachment(WebKitURIResponse* response) {
+  auto* const headers = webkit_uri_response_get_http_headers(response);
+  char* disposition = nullptr;
+  if (headers == nullptr ||
+      soup_message_headers_get_content_disposition(headers, &disposition, nullptr) == FALSE) {
+    return false;
+  }
+  return g_ascii_strcasecmp(ZLVGText(disposition).get(), "attachment") == 0;
+}
+
 }  // namespace
 
 ZLVWebPage::ZLVWebPage(std::shared_ptr<ZLVCertificateAuthorities> authorities, Events events)
@@ -42,11 +52,13 @@ ZLVWebPage::ZLVWebPage(std::shared_ptr<ZLVCertificateAuthorities> authorities, E
                                  [this](bool isInOwnFrame) {
                                    policy_.pressArrived(isInOwnFrame);
                                    events_.pressed();
-                                 }}) {
+                                 }}),
+      refusals_(view_.get(), [this] {
+        if (hasPage_) events_.fileRefused();
+      }) {
   webkit_network_session_set_persistent_credential_storage_enabled(session_.get(), FALSE);
   connectLoading();
   connectPolicies();
-  connectRefusals();
 }
 
 ZLVWebPage::~ZLVWebPage() {
@@ -128,38 +140,11 @@ void ZLVWebPage::connectPolicies() {
                      events_.dialogOpened(ZLVScriptDialog(dialog));
                      return TRUE;
                    });
-}
-
-void ZLVWebPage::connectRefusals() {
-  auto* const view = view_.get();
-  // The engine's own dialog would be one of a page that need not even be visible.
+  // The engine's own dialog takes keys even while nothing of its page can be seen.
   signals_.connect(view, "authenticate",
                    [this](WebKitWebView*, WebKitAuthenticationRequest* request) -> gboolean {
                      askedToLogIn(request);
                      return TRUE;
-                   });
-  signals_.connect(view, "permission-request",
-                   [](WebKitWebView*, WebKitPermissionRequest* request) -> gboolean {
-                     webkit_permission_request_deny(request);
-                     return TRUE;
-                   });
-  signals_.connect(view, "query-permission-state",
-                   [](WebKitWebView*, WebKitPermissionStateQuery* query) -> gboolean {
-                     webkit_permission_state_query_finish(query, WEBKIT_PERMISSION_STATE_DENIED);
-                     return TRUE;
-                   });
-  signals_.connect(session_.get(), "download-started",
-                   [this](WebKitNetworkSession*, WebKitDownload* download) {
-                     webkit_download_cancel(download);
-                     if (hasPage_) events_.fileRefused();
-                   });
-  // The toolkit's print dialog would run a main loop of its own.
-  signals_.connect(view, "print",
-                   [](WebKitWebView*, WebKitPrintOperation*) -> gboolean { return TRUE; });
-  signals_.connect(view, "context-menu",
-                   [](WebKitWebView*, WebKitContextMenu* menu, WebKitHitTestResult*) -> gboolean {
-                     ZLVWebView::restrictContextMenu(menu);
-                     return ZLVGBoolean(webkit_context_menu_get_n_items(menu) == 0);
                    });
 }
 
@@ -250,6 +235,8 @@ bool ZLVWebPage::decideNavigation(WebKitNavigationAction* action) {
     return webkit_navigation_action_get_navigation_type(action) !=
            WEBKIT_NAVIGATION_TYPE_FORM_RESUBMITTED;
   }
+  // A file that the page has made itself.
+  if (hasPage_ && g_str_has_prefix(urlOf(action), "blob:") != FALSE) events_.fileRefused();
   const auto target = verdict == Verdict::Refuse ? std::nullopt : parsedURL(urlOf(action));
   if (!target) return false;
   if (verdict == Verdict::HandOver) interruption_ = ZLVProblem::Kind::LedOut;
@@ -258,14 +245,15 @@ bool ZLVWebPage::decideNavigation(WebKitNavigationAction* action) {
 }
 
 bool ZLVWebPage::decideResponse(WebKitResponsePolicyDecision* decision) {
+  auto* const response = webkit_response_policy_decision_get_response(decision);
   if (webkit_response_policy_decision_is_main_frame_main_resource(decision) != FALSE) {
-    const auto status =
-        webkit_uri_response_get_status_code(webkit_response_policy_decision_get_response(decision));
+    const auto status = webkit_uri_response_get_status_code(response);
     const bool isEmpty = status == SOUP_STATUS_NO_CONTENT || status == SOUP_STATUS_RESET_CONTENT;
     interruption_ = isEmpty ? ZLVProblem::Kind::Empty : ZLVProblem::Kind::File;
   }
-  // What the engine cannot show it would make a download of.
-  return webkit_response_policy_decision_is_mime_type_supported(decision) != FALSE;
+  // Of anything else the engine would make a download.
+  return webkit_response_policy_decision_is_mime_type_supported(decision) != FALSE &&
+         !isAttachment(response);
 }
 
 void ZLVWebPage::openWindow(WebKitNavigationAction* action) {

@@ -12,6 +12,7 @@
 #include <ZolvaCheckoutKit/Platform/GTK/Internal/ZLVNavigationPolicy.h>
 #include <ZolvaCheckoutKit/Platform/GTK/Internal/ZLVPressWatch.h>
 #include <ZolvaCheckoutKit/Platform/GTK/Internal/ZLVProblem.h>
+#include <ZolvaCheckoutKit/Platform/GTK/Internal/ZLVRefusals.h>
 #include <ZolvaCheckoutKit/Platform/GTK/Internal/ZLVScriptDialog.h>
 #include <ZolvaCheckoutKit/Platform/GTK/Internal/ZLVSignals.h>
 #include <ZolvaCheckoutKit/ZLVURL.h>
@@ -71,7 +72,6 @@ class ZLVWebPage {
  private:
   void connectLoading();
   void connectPolicies();
-  void connectRefusals();
   void request(std::string url);
   void committed();
   void fail(ZLVProblem::Kind kind, std::string url, std::string detail = {},
@@ -104,5 +104,6 @@ class ZLVWebPage {
   /// The certificate that the authorities last vouched for.
   ZLVGObject<GTlsCertificate> vouched_;
   ZLVPressWatch presses_;
+  ZLVRefusals refusals_;
   ZLVSignals signals_;
 };
