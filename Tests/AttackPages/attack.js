@@ -28,3 +28,8 @@ function flood() {
     }
   }, 20);
 }
+
+// So late that the engine forgets what has led to it.
+function later(action, count = 3) {
+  setTimeout(() => count > 0 ? later(action, count - 1) : action());
+}

@@ -1,11 +1,10 @@
 #include <utility>
 
 #include <ZolvaCheckoutKit/Platform/GTK/Internal/ZLVPressWatch.h>
+#include <ZolvaCheckoutKit/Platform/GTK/Internal/ZLVWebView.h>
 
 namespace {
 
-/// A world of our own: the page's scripts neither see what is in it nor can send its messages.
-constexpr const char* world = "ZolvaCheckoutKit";
 constexpr const char* message = "press";
 
 /// One press makes several events, each of a higher rank than the one before.
@@ -41,7 +40,7 @@ ZLVPressWatch::ZLVPressWatch(WebKitWebView* view, Events events) {
   auto* const manager = webkit_web_view_get_user_content_manager(view);
   WebKitUserScript* const script = webkit_user_script_new_for_world(
       source, WEBKIT_USER_CONTENT_INJECT_ALL_FRAMES, WEBKIT_USER_SCRIPT_INJECT_AT_DOCUMENT_START,
-      world, nullptr, nullptr);
+      ZLVWebView::scriptWorld, nullptr, nullptr);
   webkit_user_content_manager_add_script(manager, script);
   webkit_user_script_unref(script);
   signals_.connect(
@@ -49,15 +48,21 @@ ZLVPressWatch::ZLVPressWatch(WebKitWebView* view, Events events) {
       [arrived = std::move(events.arrived)](WebKitUserContentManager*, JSCValue* value) {
         arrived(jsc_value_to_boolean(value) != FALSE);
       });
-  webkit_user_content_manager_register_script_message_handler(manager, message, world);
+  webkit_user_content_manager_register_script_message_handler(manager, message,
+                                                              ZLVWebView::scriptWorld);
 
   GtkEventController* const controller = gtk_event_controller_legacy_new();
   gtk_event_controller_set_propagation_phase(controller, GTK_PHASE_CAPTURE);
   signals_.connect(
       controller, "event",
-      [began = std::move(events.began)](GtkEventController*, GdkEvent* event) -> gboolean {
-        if (isPress(event)) began();
+      [this, began = std::move(events.began)](GtkEventController*, GdkEvent* event) -> gboolean {
+        if (isPress(event) && isNew(event)) began();
         return FALSE;
       });
   gtk_widget_add_controller(GTK_WIDGET(view), controller);
+}
+
+bool ZLVPressWatch::isNew(GdkEvent* event) {
+  const auto time = gdk_event_get_time(event);
+  return std::exchange(lastTime_, time) != time;
 }

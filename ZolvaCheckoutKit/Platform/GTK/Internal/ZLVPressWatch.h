@@ -22,5 +22,9 @@ class ZLVPressWatch {
   ZLVPressWatch(WebKitWebView* view, Events events);
 
  private:
+  /// The engine gives back keys that the page had no use for.
+  bool isNew(GdkEvent* event);
+
+  guint32 lastTime_ = GDK_CURRENT_TIME;
   ZLVSignals signals_;
 };

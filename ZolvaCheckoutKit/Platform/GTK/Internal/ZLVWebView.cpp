@@ -39,7 +39,7 @@ ZLVGObject<WebKitUserContentManager> makeUserContent() {
   const ZLVGText text(g_strdup_printf(source, ZLVNavigationPolicy::frameSecurityPolicy));
   WebKitUserScript* const script = webkit_user_script_new_for_world(
       text.get(), WEBKIT_USER_CONTENT_INJECT_ALL_FRAMES,
-      WEBKIT_USER_SCRIPT_INJECT_AT_DOCUMENT_START, "ZolvaCheckoutKit", nullptr, nullptr);
+      WEBKIT_USER_SCRIPT_INJECT_AT_DOCUMENT_START, ZLVWebView::scriptWorld, nullptr, nullptr);
   auto manager = ZLVGObject<WebKitUserContentManager>::take(webkit_user_content_manager_new());
   webkit_user_content_manager_add_script(manager.get(), script);
   webkit_user_script_unref(script);

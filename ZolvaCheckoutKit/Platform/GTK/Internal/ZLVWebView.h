@@ -7,6 +7,9 @@
 /// How the engine is set up for a page that one pays on.
 class ZLVWebView {
  public:
+  /// Of our own scripts: a page's neither see what is in it nor can send its messages.
+  static constexpr const char* scriptWorld = "ZolvaCheckoutKit";
+
   /// A view on `session` with everything off that such a page has no need of.
   static ZLVGObject<WebKitWebView> make(WebKitNetworkSession* session);
 
