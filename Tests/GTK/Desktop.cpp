@@ -20,6 +20,10 @@ void xdotool(const std::string& arguments) {
 
 void pressKeys(const std::string& keys) { xdotool("key --delay 0 " + keys); }
 
+void holdKey(const std::string& key, bool isDown) {
+  xdotool((isDown ? "keydown " : "keyup ") + key);
+}
+
 void clickAt(GtkWindow* window, double x, double y) {
   double left = 0;
   double top = 0;

@@ -28,10 +28,13 @@ TLSIdentity::TLSIdentity(const Subject& subject, const TLSIdentity* issuer)
   X509_gmtime_adj(X509_getm_notAfter(certificate), subject.validToDays * secondsPerDay);
   X509_set_pubkey(certificate, key_.get());
 
-  const std::string name = "test " + std::to_string(serial);
-  const std::vector<unsigned char> bytes(name.begin(), name.end());
-  X509_NAME_add_entry_by_txt(X509_get_subject_name(certificate), "CN", MBSTRING_ASC, bytes.data(),
-                             static_cast<int>(bytes.size()), -1, 0);
+  const auto addName = [certificate](const char* field, const std::string& name) {
+    const std::vector<unsigned char> bytes(name.begin(), name.end());
+    X509_NAME_add_entry_by_txt(X509_get_subject_name(certificate), field, MBSTRING_UTF8,
+                               bytes.data(), static_cast<int>(bytes.size()), -1, 0);
+  };
+  addName("CN", "test " + std::to_string(serial));
+  if (!subject.organization.empty()) addName("O", subject.organization);
   const X509* signer = issuer == nullptr ? certificate : issuer->certificate_.get();
   X509_set_issuer_name(certificate, X509_get_subject_name(signer));
   addExtension(certificate, NID_basic_constraints,

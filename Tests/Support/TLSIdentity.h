@@ -16,6 +16,7 @@ class TLSIdentity {
     int validFromDays = -1;             ///< Counted from now.
     int validToDays = 1;
     bool isAuthority = false;
+    std::string organization = {};
   };
 
   /// Signed by `issuer`, or by itself.

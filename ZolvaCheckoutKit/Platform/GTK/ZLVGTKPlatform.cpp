@@ -22,7 +22,7 @@ ZLVPlatform ZLVGTKPlatform::platformWithApplication(GtkApplication* application,
 
   auto authorities = std::make_shared<ZLVCertificateAuthorities>(options.CAFile);
   auto platform = ZLVLinuxPlatform::platformWithOptions(std::move(options));
-  ZLVWebSandbox::prepare(*platform.systemLog);
+  ZLVWebSandbox::prepare();
   platform.mainQueue = std::make_shared<ZLVGTKMainQueue>(std::move(handlers.uncaughtException));
   platform.device = std::make_shared<ZLVGTKDevice>(application, platform.device);
   platform.userInterface = std::make_shared<ZLVGTKUserInterface>(

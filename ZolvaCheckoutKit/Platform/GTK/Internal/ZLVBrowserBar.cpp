@@ -70,7 +70,13 @@ GtkWidget* ZLVBrowserBar::makeTitle() {
   gtk_widget_set_valign(title, GTK_ALIGN_CENTER);
   gtk_box_append(GTK_BOX(title), name);
   gtk_box_append(GTK_BOX(title), warning_);
-  return title;
+
+  title_ = gtk_menu_button_new();
+  gtk_widget_add_css_class(title_, ZLVBrowserStyle::title);
+  gtk_menu_button_set_has_frame(GTK_MENU_BUTTON(title_), FALSE);
+  gtk_menu_button_set_child(GTK_MENU_BUTTON(title_), title);
+  gtk_menu_button_set_popover(GTK_MENU_BUTTON(title_), connection_.widget());
+  return title_;
 }
 
 GtkWidget* ZLVBrowserBar::makeButton(const char* icon, const char* label, const char* shortcut,
@@ -83,7 +89,20 @@ GtkWidget* ZLVBrowserBar::makeButton(const char* icon, const char* label, const 
   return button;
 }
 
-void ZLVBrowserBar::setState(const ZLVWebPage::State& state) {
+void ZLVBrowserBar::setState(ZLVWebPage::State state) {
+  const bool isKnown = state.security != ZLVSecurity::Unknown;
+  if (!isKnown) closePopover();
+  gtk_widget_set_sensitive(title_, ZLVGBoolean(isKnown));
+  if (state.host != state_.host || state.security != state_.security ||
+      state.certificate.get() != state_.certificate.get()) {
+    connection_.setState(state);
+    const char* const security = state.security == ZLVSecurity::Secure
+                                     ? ZLVLocalized("Secure connection")
+                                     : ZLVLocalized("Not secure");
+    const auto label = isKnown ? state.host + ", " + security : state.host;
+    // The one that takes the focus is inside.
+    setAccessibleLabel(gtk_widget_get_first_child(title_), label.c_str());
+  }
   gtk_label_set_text(GTK_LABEL(host_), state.host.c_str());
   gtk_widget_set_tooltip_text(host_, state.host.c_str());
   gtk_widget_set_visible(lock_, ZLVGBoolean(state.security == ZLVSecurity::Secure));
@@ -91,8 +110,15 @@ void ZLVBrowserBar::setState(const ZLVWebPage::State& state) {
   gtk_widget_set_visible(progress_.get(), ZLVGBoolean(state.isLoading));
   gtk_progress_bar_set_fraction(GTK_PROGRESS_BAR(progress_.get()), state.progress);
   gtk_widget_set_sensitive(back_, ZLVGBoolean(state.canGoBack));
+  state_ = std::move(state);
 }
 
 void ZLVBrowserBar::setCanReload(bool canReload) {
   gtk_widget_set_sensitive(reload_, ZLVGBoolean(canReload));
+}
+
+bool ZLVBrowserBar::closePopover() {
+  const bool isOpen = gtk_widget_get_visible(connection_.widget()) != FALSE;
+  if (isOpen) gtk_menu_button_popdown(GTK_MENU_BUTTON(title_));
+  return isOpen;
 }

@@ -4,6 +4,7 @@
 
 #include <gtk/gtk.h>
 
+#include <ZolvaCheckoutKit/Platform/GTK/Internal/ZLVConnectionPopover.h>
 #include <ZolvaCheckoutKit/Platform/GTK/Internal/ZLVGObject.h>
 #include <ZolvaCheckoutKit/Platform/GTK/Internal/ZLVSignals.h>
 #include <ZolvaCheckoutKit/Platform/GTK/Internal/ZLVWebPage.h>
@@ -23,8 +24,10 @@ class ZLVBrowserBar {
   [[nodiscard]] GtkWidget* widget() const { return bar_.get(); }
   [[nodiscard]] GtkWidget* progressBar() const { return progress_.get(); }
 
-  void setState(const ZLVWebPage::State& state);
+  void setState(ZLVWebPage::State state);
   void setCanReload(bool canReload);
+  /// Closes what the bar has opened; false when there is nothing.
+  bool closePopover();
 
  private:
   GtkWidget* makeTitle();
@@ -33,6 +36,9 @@ class ZLVBrowserBar {
 
   ZLVGObject<GtkWidget> bar_;
   ZLVGObject<GtkWidget> progress_;
+  ZLVConnectionPopover connection_;
+  ZLVWebPage::State state_;
+  GtkWidget* title_ = nullptr;
   GtkWidget* lock_ = nullptr;
   GtkWidget* host_ = nullptr;
   GtkWidget* warning_ = nullptr;

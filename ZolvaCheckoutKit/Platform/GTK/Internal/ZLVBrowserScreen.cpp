@@ -1,10 +1,17 @@
+#include <iterator>
 #include <utility>
 
 #include <ZolvaCheckoutKit/Platform/GTK/Internal/ZLVBrowserScreen.h>
 #include <ZolvaCheckoutKit/Platform/GTK/Internal/ZLVBrowserStyle.h>
+#include <ZolvaCheckoutKit/Platform/GTK/Internal/ZLVFocusRing.h>
 #include <ZolvaCheckoutKit/Platform/GTK/Internal/ZLVLocalizedText.h>
 
 namespace {
+
+/// The steps that the size of a page goes in.
+constexpr double zoomLevels[] = {0.5, 0.67, 0.8, 0.9, 1, 1.1, 1.25, 1.5, 1.75, 2, 2.5, 3};
+constexpr std::size_t fullSize = 4;
+static_assert(zoomLevels[fullSize] == 1);
 
 GtkWidget* makeSpinner() {
   GtkWidget* const spinner = gtk_spinner_new();
@@ -32,16 +39,16 @@ ZLVBrowserScreen::ZLVBrowserScreen(ZLVDismissButtonStyle style,
              .dialogOpened = [this](auto dialog) { openDialog(std::move(dialog)); },
              .pressed = [this] { dialog_.endRow(); },
              .closed = events_.closed}),
+      fileChooser_(WEBKIT_WEB_VIEW(page_.widget())),
       bar_(style, {.close = events_.closed,
                    .goBack = [this] { goBack(); },
                    .reload = [this] { reload(); }}),
       problemPage_({.close = events_.closed, .reload = [this] { reload(); }}),
       dialog_(page_.widget()),
       notice_(page_.widget()),
-      root_(ZLVGObject<GtkWidget>::retain(g_object_new(GTK_TYPE_BOX, "orientation",
-                                                       GTK_ORIENTATION_VERTICAL, "accessible-role",
-                                                       GTK_ACCESSIBLE_ROLE_DIALOG, nullptr))),
-      spinner_(makeSpinner()) {
+      root_(ZLVGObject<GtkWidget>::retain(ZLVFocusRing::make(GTK_ACCESSIBLE_ROLE_DIALOG))),
+      spinner_(makeSpinner()),
+      zoomLevel_(fullSize) {
   gtk_widget_add_css_class(root_.get(), ZLVBrowserStyle::browser);
   gtk_accessible_update_property(GTK_ACCESSIBLE(root_.get()), GTK_ACCESSIBLE_PROPERTY_LABEL,
                                  ZLVLocalized("Web page"), GTK_ACCESSIBLE_PROPERTY_MODAL, TRUE, -1);
@@ -65,9 +72,13 @@ void ZLVBrowserScreen::addShortcuts() {
   gtk_event_controller_set_propagation_phase(controller, GTK_PHASE_CAPTURE);
   gtk_shortcut_controller_set_scope(GTK_SHORTCUT_CONTROLLER(controller), GTK_SHORTCUT_SCOPE_GLOBAL);
   using Action = std::function<void()>;
-  const std::pair<const char*, Action> shortcuts[] = {{"Escape", [this] { escape(); }},
-                                                      {"<Alt>Left", [this] { goBack(); }},
-                                                      {"F5|<Control>r", [this] { reload(); }}};
+  const std::pair<const char*, Action> shortcuts[] = {
+      {"Escape", [this] { escape(); }},
+      {"<Alt>Left", [this] { goBack(); }},
+      {"F5|<Control>r", [this] { reload(); }},
+      {"<Control>plus|<Control>equal|<Control>KP_Add", [this] { zoom(zoomLevel_ + 1); }},
+      {"<Control>minus|<Control>KP_Subtract", [this] { zoom(zoomLevel_ - 1); }},
+      {"<Control>0|<Control>KP_0", [this] { zoom(fullSize); }}};
   for (const auto& [keys, action] : shortcuts) {
     GtkShortcutAction* const run = gtk_callback_action_new(
         [](GtkWidget*, GVariant*, gpointer data) noexcept -> gboolean {
@@ -141,6 +152,7 @@ void ZLVBrowserScreen::offer(const ZLVURL& url) {
 }
 
 void ZLVBrowserScreen::escape() {
+  if (bar_.closePopover()) return;
   if (dialog_.isOpen()) return dialog_.cancel();
   events_.closed();
 }
@@ -173,6 +185,12 @@ void ZLVBrowserScreen::updateBar() {
     state.security = isUnsafe ? ZLVSecurity::NotSecure : ZLVSecurity::Unknown;
     state.canGoBack = canReturn();
   }
-  bar_.setState(state);
+  bar_.setState(std::move(state));
   bar_.setCanReload(canReload());
+}
+
+void ZLVBrowserScreen::zoom(std::size_t level) {
+  if (level >= std::size(zoomLevels)) return;
+  zoomLevel_ = level;
+  webkit_web_view_set_zoom_level(WEBKIT_WEB_VIEW(page_.widget()), zoomLevels[level]);
 }

@@ -8,6 +8,7 @@
 
 #include <ZolvaCheckoutKit/Platform/GTK/Internal/ZLVBrowserBar.h>
 #include <ZolvaCheckoutKit/Platform/GTK/Internal/ZLVCertificateAuthorities.h>
+#include <ZolvaCheckoutKit/Platform/GTK/Internal/ZLVFileChooser.h>
 #include <ZolvaCheckoutKit/Platform/GTK/Internal/ZLVGObject.h>
 #include <ZolvaCheckoutKit/Platform/GTK/Internal/ZLVNotice.h>
 #include <ZolvaCheckoutKit/Platform/GTK/Internal/ZLVProblemPage.h>
@@ -55,9 +56,11 @@ class ZLVBrowserScreen {
   /// Whether the page that the problem came up on can still be used.
   [[nodiscard]] bool canReturn() const;
   void updateBar();
+  void zoom(std::size_t level);
 
   Events events_;
   ZLVWebPage page_;
+  ZLVFileChooser fileChooser_;
   ZLVBrowserBar bar_;
   ZLVProblemPage problemPage_;
   ZLVScriptDialogView dialog_;
@@ -66,4 +69,5 @@ class ZLVBrowserScreen {
   GtkWidget* spinner_ = nullptr;
   Content content_ = Content::Loading;
   ZLVProblem problem_;
+  std::size_t zoomLevel_;
 };

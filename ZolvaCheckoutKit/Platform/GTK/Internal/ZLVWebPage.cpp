@@ -7,17 +7,12 @@ namespace {
 
 using URI = ZLVGOwned<GUri, g_uri_unref>;
 
-/// The host as it is shown and compared; empty when there is none.
+/// The host as it is shown and compared; empty when there is none. Names in other scripts stay in
+/// their encoded form ("xn--"), in which none passes for another.
 std::string hostOf(const char* url) {
   const URI uri(url == nullptr ? nullptr : g_uri_parse(url, G_URI_FLAGS_PARSE_RELAXED, nullptr));
   const char* const host = uri ? g_uri_get_host(uri.get()) : nullptr;
   return host == nullptr ? std::string() : host;
-}
-
-/// As the user reads it: names in other scripts are shown so unless they imitate another name.
-std::string displayedHost(const char* url) {
-  const ZLVGText displayed(url == nullptr ? nullptr : webkit_uri_for_display(url));
-  return hostOf(displayed.get());
 }
 
 /// Web pages may write characters into a URL that have no place in one.
@@ -72,7 +67,8 @@ ZLVWebPage::State ZLVWebPage::state() const {
           .security = security_,
           .isLoading = webkit_web_view_is_loading(view_.get()) != FALSE,
           .progress = webkit_web_view_get_estimated_load_progress(view_.get()),
-          .canGoBack = webkit_web_view_can_go_back(view_.get()) != FALSE};
+          .canGoBack = webkit_web_view_can_go_back(view_.get()) != FALSE,
+          .certificate = ZLVGObject<GTlsCertificate>::retain(certificate_.get())};
 }
 
 void ZLVWebPage::load(std::string url) {
@@ -82,7 +78,7 @@ void ZLVWebPage::load(std::string url) {
 
 void ZLVWebPage::request(std::string url) {
   requestedURL_ = std::move(url);
-  if (host_.empty()) host_ = displayedHost(requestedURL_.c_str());
+  if (host_.empty()) host_ = hostOf(requestedURL_.c_str());
   webkit_web_view_load_uri(view_.get(), requestedURL_.c_str());
 }
 
@@ -157,11 +153,12 @@ void ZLVWebPage::committed() {
   if (!hasPage_) return fail(ZLVProblem::Kind::Address, requestedURL_);
 
   requestedURL_ = url;
-  host_ = displayedHost(url);
+  host_ = host;
   GTlsCertificate* certificate = nullptr;
   GTlsCertificateFlags flags{};
   const bool isEncrypted = webkit_web_view_get_tls_info(view_.get(), &certificate, &flags) != FALSE;
   const bool isTrusted = isEncrypted && (flags == 0 || authorities_->vouch(certificate, host));
+  certificate_ = ZLVGObject<GTlsCertificate>::retain(isEncrypted ? certificate : nullptr);
   security_ = isTrusted ? ZLVSecurity::Secure : ZLVSecurity::NotSecure;
   events_.shown();
   events_.stateChanged();
@@ -169,7 +166,7 @@ void ZLVWebPage::committed() {
 
 void ZLVWebPage::fail(ZLVProblem::Kind kind, std::string url, std::string detail,
                       GTlsCertificateFlags flags) const {
-  auto host = displayedHost(url.c_str());
+  auto host = hostOf(url.c_str());
   events_.failed({.kind = kind,
                   .URL = std::move(url),
                   .host = std::move(host),

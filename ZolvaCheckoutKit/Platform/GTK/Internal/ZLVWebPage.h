@@ -48,6 +48,8 @@ class ZLVWebPage {
     bool isLoading = true;
     double progress = 0;
     bool canGoBack = false;
+    /// The server's; none without encryption.
+    ZLVGObject<GTlsCertificate> certificate{};
   };
 
   ZLVWebPage(std::shared_ptr<ZLVCertificateAuthorities> authorities, Events events);
@@ -93,6 +95,7 @@ class ZLVWebPage {
   ZLVGObject<WebKitWebView> view_;
   std::string host_;
   ZLVSecurity security_ = ZLVSecurity::Unknown;
+  ZLVGObject<GTlsCertificate> certificate_;
   /// The page that is shown, or on its way.
   std::string requestedURL_;
   bool hasPage_ = false;

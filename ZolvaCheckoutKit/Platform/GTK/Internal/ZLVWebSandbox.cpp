@@ -65,13 +65,14 @@ std::string problem() {
 
 }  // namespace
 
-void ZLVWebSandbox::prepare(ZLVSystemLog& log) {
+void ZLVWebSandbox::prepare() {
   if (g_getenv(sandboxSwitch) != nullptr || isFlatpak()) return;
   auto reason = problem();
   if (reason.empty()) return;
   for (char& c : reason) {
     if (c == '\n') c = ' ';
   }
-  log.log("Web pages run without a sandbox, which does not work here: " + reason);
+  g_log("ZolvaCheckoutKit", G_LOG_LEVEL_WARNING,
+        "Web pages run without a sandbox, which does not work here: %s", reason.c_str());
   g_setenv(sandboxSwitch, "1", FALSE);
 }

@@ -1,12 +1,10 @@
 #pragma once
 
-#include <ZolvaCheckoutKit/Platform/ZLVSystemLog.h>
-
 /// The sandbox that WebKit runs its processes in.
 class ZLVWebSandbox {
  public:
-  /// Tries it out, and tells WebKit to do without, with one line in the log, where it cannot work:
+  /// Tries it out, and tells WebKit to do without, with a warning of GLib's, where it cannot work:
   /// in a container that may not make namespaces WebKit would end this process instead. Before the
   /// first web view; changes the environment, so best while the process has one thread.
-  static void prepare(ZLVSystemLog& log);
+  static void prepare();
 };

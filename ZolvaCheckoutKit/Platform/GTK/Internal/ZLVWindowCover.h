@@ -1,13 +1,12 @@
 #pragma once
 
-#include <list>
-
 #include <gtk/gtk.h>
 
 #include <ZolvaCheckoutKit/Platform/GTK/Internal/ZLVGObject.h>
 
-/// Puts a widget over the content of a window for as long as this object lives. What is underneath
-/// takes neither clicks nor keys meanwhile, and is then as it was, focus included.
+/// Puts a widget over the content of a window for as long as this object lives. What is underneath,
+/// other covers included, takes neither clicks nor keys meanwhile, and is then as it was, focus
+/// included. Covers end in any order, also while the host has put something of its own over them.
 class ZLVWindowCover {
  public:
   ZLVWindowCover(GtkWindow* window, GtkWidget* cover);
@@ -15,20 +14,19 @@ class ZLVWindowCover {
   ZLVWindowCover& operator=(const ZLVWindowCover&) = delete;
   ~ZLVWindowCover();
 
-  /// Whether the cover is still to be seen: not once the window was destroyed or given another
-  /// content.
+  /// Whether the cover is still in its window: not once that was destroyed or given another content.
   [[nodiscard]] bool isInPlace() const;
 
  private:
+  struct Layer;
   using WeakWidget = ZLVWeakGObject<GtkWidget>;
 
-  void disableTitlebar(GtkWidget* widget);
-  void uncover(GtkWindow* window);
+  [[nodiscard]] bool hasFocus(GtkWindow* window) const;
+  void restoreFocus(GtkWindow* window) const;
 
   ZLVWeakGObject<GtkWindow> window_;
+  ZLVGObject<GtkWidget> cover_;
   ZLVGObject<GtkWidget> overlay_;
-  ZLVGObject<GtkWidget> underneath_;
   WeakWidget focus_;
   WeakWidget defaultWidget_;
-  std::list<WeakWidget> disabled_;
 };
