@@ -116,6 +116,7 @@ TEST(Controls, TellWhoVouchesForThePage) {
   int ended = 0;
   host.run([&] {
     host.present(secure.url(), &ended);
+    host.clickElement("p");
     host.click("127.0.0.1");
     for (const char* text : {"Secure connection", "Exämple <b>Pay</b>", "Example, Trust+ \"Ltd\"",
                              static_cast<const char*>(lastDay.get())}) {
@@ -132,6 +133,7 @@ TEST(Controls, TellWhoVouchesForThePage) {
     EXPECT_EQ(ended, 1);
 
     host.present(plain.url());
+    host.clickElement("p");
     host.click("127.0.0.1");
     EXPECT_TRUE(waitFor([&] { return host.find("Not encrypted") != nullptr; }));
     EXPECT_EQ(host.find("Issued by"), nullptr);

@@ -31,13 +31,19 @@ class Journey : public testing::Test {
     ZLVClient::initWithMerchantServerURL(sandbox_.baseURL(), "M-1", Host::callbackURL, false);
   }
 
+  /// Asks for an account to be linked and waits for the wallet's page.
+  void startLink(const std::shared_ptr<ZLVViewController>& presenter,
+                 Answer<ZLVLinkAccountResult>& answer) {
+    ZLVClient::linkAccountWithPaymentType(
+        "zolva", ZLVPartnerDetails::initWithPhoneNumber("81234567890", "62"), presenter,
+        answer.handler());
+    EXPECT_TRUE(waitFor([&] { return host_.hasElement("button[value=confirm]"); }));
+  }
+
   /// Links an account; `act` is what the user does on the wallet's page.
   std::string link(const std::function<void()>& act) {
     Answer<ZLVLinkAccountResult> linked;
-    ZLVClient::linkAccountWithPaymentType(
-        "zolva", ZLVPartnerDetails::initWithPhoneNumber("81234567890", "62"),
-        host_.viewController(), linked.handler());
-    EXPECT_TRUE(waitFor([&] { return host_.hasElement("button[value=confirm]"); }));
+    startLink(host_.viewController(), linked);
     act();
     EXPECT_TRUE(linked.wait());
     EXPECT_TRUE(host_.waitUntilClosed());
@@ -91,6 +97,38 @@ TEST_F(Journey, EndsOnceHoweverTheUserLeaves) {
                                           [] { pressKeys("Escape"); }};
     for (const auto& leave : ways) {
       EXPECT_NE(enquire(link(leave))->accountStatus().description(), "ENABLED");
+    }
+  });
+}
+
+TEST_F(Journey, EndsWithThePageBelow) {
+  host_.run([&] {
+    GtkWidget* const content = gtk_window_get_child(host_.window());
+    gtk_widget_grab_focus(host_.entry());
+    for (const bool isAbovePage : {true, false}) {
+      Answer<ZLVLinkAccountResult> below;
+      Answer<ZLVLinkAccountResult> above;
+      startLink(host_.viewController(), below);
+      // Its end completes the call, so nobody else may own it.
+      auto* const page = host_.viewController()->presentedViewController().get();
+      if (isAbovePage) {
+        startLink(page->shared_from_this(), above);
+        ASSERT_TRUE(waitFor([&] { return page->presentedViewController() != nullptr; }));
+      } else {
+        page->presentViewController(std::make_shared<ZLVViewController>(), true);
+      }
+      EXPECT_EQ(below.completions + above.completions, 0);
+      host_.evaluate("window.close()");
+      EXPECT_TRUE(below.wait());
+      EXPECT_TRUE(!isAbovePage || above.wait());
+      EXPECT_TRUE(waitFor([] { return childProcesses() == 0; }));
+      EXPECT_EQ(below.completions, 1);
+      EXPECT_EQ(above.completions, isAbovePage ? 1 : 0);
+      EXPECT_EQ(host_.viewController()->presentedViewController(), nullptr);
+      EXPECT_EQ(gtk_window_get_child(host_.window()), content);
+      EXPECT_EQ(host_.webView(), nullptr);
+      EXPECT_TRUE(gtk_widget_is_sensitive(host_.payButton()));
+      EXPECT_NE(gtk_widget_get_state_flags(host_.entry()) & GTK_STATE_FLAG_FOCUS_WITHIN, 0);
     }
   });
 }
