@@ -1,5 +1,6 @@
 // The ports that have no window: the main queue, the device's facts, the sandbox of the web engine.
 
+#include <clocale>
 #include <filesystem>
 #include <fstream>
 #include <future>
@@ -104,6 +105,18 @@ TEST(Device, KnowsScreenAndLanguages) {
     EXPECT_EQ(device.preferredLanguages(), (std::vector<std::string>{"de_CH", "de", "fr"}));
     EXPECT_EQ(device.bundleShortVersion(), "1");
   });
+}
+
+TEST(Translations, AreFoundByLanguage) {
+  const std::pair<const char*, const char*> texts[] = {
+      {"ar_EG", "إغلاق"}, {"de_AT", "Schließen"}, {"es_MX", "Cerrar"}, {"fr_CA", "Fermer"},
+      {"ja_JP", "閉じる"}, {"pt_BR", "Fechar"},    {"zh_CN", "关闭"},   {"xx", "Close"}};
+  bindtextdomain("ZolvaCheckoutKit", ZLV_LOCALES);
+  for (const auto& [language, text] : texts) {
+    g_setenv("LANGUAGE", language, TRUE);
+    std::setlocale(LC_ALL, "");  // forgets what was found before
+    EXPECT_STREQ(g_dgettext("ZolvaCheckoutKit", "Close"), text) << language;
+  }
 }
 
 TEST(ViewControllers, AreTheWindowsOwnAndFormATree) {

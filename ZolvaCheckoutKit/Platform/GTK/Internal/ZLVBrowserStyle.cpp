@@ -20,6 +20,7 @@ constexpr auto rules = R"css(
 .zlv-browser headerbar .zlv-title > button { padding: 2px 6px; }
 .zlv-browser headerbar .zlv-title > button:disabled { color: inherit; }
 .zlv-connection { padding: 6px; }
+.zlv-explanation { margin-top: 6px; }
 .zlv-caption { margin-top: 6px; font-size: 0.8em; opacity: 0.7; }
 .zlv-progress trough, .zlv-progress progress {
   min-height: 3px; margin: 0; border: none; border-radius: 0;

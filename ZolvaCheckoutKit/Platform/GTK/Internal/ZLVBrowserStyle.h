@@ -11,7 +11,7 @@ class ZLVBrowserStyle {
   static constexpr const char* title = "zlv-title";
   static constexpr const char* connection = "zlv-connection";
   static constexpr const char* caption = "zlv-caption";
-  static constexpr const char* value = "zlv-value";
+  static constexpr const char* explanation = "zlv-explanation";
   static constexpr const char* progress = "zlv-progress";
   static constexpr const char* problem = "zlv-problem";
   static constexpr const char* shade = "zlv-shade";

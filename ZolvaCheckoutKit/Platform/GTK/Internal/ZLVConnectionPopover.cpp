@@ -67,7 +67,7 @@ GtkWidget* makeLabel(const char* text, const char* style) {
   gtk_label_set_wrap(GTK_LABEL(label), TRUE);
   gtk_label_set_wrap_mode(GTK_LABEL(label), PANGO_WRAP_WORD_CHAR);
   gtk_label_set_xalign(GTK_LABEL(label), 0);
-  gtk_widget_add_css_class(label, style);
+  if (style != nullptr) gtk_widget_add_css_class(label, style);
   return label;
 }
 
@@ -93,7 +93,7 @@ void ZLVConnectionPopover::setState(const ZLVWebPage::State& state) {
   const auto addRow = [&](const char* caption, const std::string& text) {
     if (text.empty()) return;
     add(caption, ZLVBrowserStyle::caption);
-    add(text, ZLVBrowserStyle::value);
+    add(text, nullptr);
     spoken.append(caption).append(": ").append(text).append("\n");
   };
   const char* const title = titleFor(state);
@@ -106,7 +106,7 @@ void ZLVConnectionPopover::setState(const ZLVWebPage::State& state) {
     addRow(ZLVLocalized("Valid until"), endOf(state.certificate.get()));
   } else {
     spoken.append(ZLVLocalized("Others can read and change what is sent."));
-    add(ZLVLocalized("Others can read and change what is sent."), ZLVBrowserStyle::value);
+    add(ZLVLocalized("Others can read and change what is sent."), ZLVBrowserStyle::explanation);
   }
   gtk_accessible_update_property(GTK_ACCESSIBLE(box_), GTK_ACCESSIBLE_PROPERTY_LABEL, title,
                                  GTK_ACCESSIBLE_PROPERTY_DESCRIPTION, spoken.c_str(), -1);
