@@ -109,7 +109,7 @@ TEST(Device, KnowsScreenAndLanguages) {
 
 TEST(Translations, AreFoundByLanguage) {
   const std::pair<const char*, const char*> texts[] = {
-      {"ar_EG", "إغلاق"}, {"de_AT", "Schließen"}, {"es_MX", "Cerrar"}, {"fr_CA", "Fermer"},
+      {"ar_EG", "إغلاق"},  {"de_AT", "Schließen"}, {"es_MX", "Cerrar"}, {"fr_CA", "Fermer"},
       {"ja_JP", "閉じる"}, {"pt_BR", "Fechar"},    {"zh_CN", "关闭"},   {"xx", "Close"}};
   bindtextdomain("ZolvaCheckoutKit", ZLV_LOCALES);
   for (const auto& [language, text] : texts) {

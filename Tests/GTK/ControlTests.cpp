@@ -23,8 +23,7 @@ void press(const Host& host, const std::function<void()>& keys) {
   bool isSeen = false;
   GtkEventController* const watch = gtk_event_controller_key_new();
   gtk_event_controller_set_propagation_phase(watch, GTK_PHASE_CAPTURE);
-  g_signal_connect_swapped(watch, "key-pressed",
-                           G_CALLBACK(+[](bool* seen) -> gboolean {
+  g_signal_connect_swapped(watch, "key-pressed", G_CALLBACK(+[](bool* seen) -> gboolean {
                              *seen = true;
                              return FALSE;
                            }),
@@ -85,9 +84,9 @@ TEST(Controls, ZoomThePage) {
   host.run([&] {
     host.present(server.url());
     host.clickElement("p");
-    const std::pair<const char*, double> steps[] = {
-        {"ctrl+plus", 1.1}, {"ctrl+KP_Add", 1.25},    {"ctrl+minus", 1.1},
-        {"ctrl+0", 1},      {"ctrl+KP_Subtract", .9}, {"ctrl+KP_0", 1}};
+    const std::pair<const char*, double> steps[] = {{"ctrl+plus", 1.1},       {"ctrl+KP_Add", 1.25},
+                                                    {"ctrl+minus", 1.1},      {"ctrl+0", 1},
+                                                    {"ctrl+KP_Subtract", .9}, {"ctrl+KP_0", 1}};
     for (const auto& [keys, level] : steps) {
       pressKeys(keys);
       EXPECT_TRUE(waitFor([&] { return webkit_web_view_get_zoom_level(host.webView()) == level; }))

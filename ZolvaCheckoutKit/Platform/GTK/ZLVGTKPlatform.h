@@ -38,7 +38,12 @@ struct ZLVGTKHandlers {
 /// The browser covers the content of the window until it is closed, keeps nothing on disk, and
 /// trusts `ZLVLinuxOptions::CAFile` as the HTTP calls do. Its texts are translated: the catalogues
 /// of the gettext domain "ZolvaCheckoutKit" are looked for where the library was installed; a host
-/// that ships them elsewhere calls bindtextdomain(3) after `platformWithApplication`.
+/// that ships them elsewhere calls bindtextdomain(3) after `platformWithApplication`. Several pages
+/// over one window, and what the host itself puts over a page, may end in any order.
+///
+/// Screen readers find the bar and whatever the browser says itself. What the page holds they find
+/// from GTK 4.14 on, with a WebKitGTK (2.44 or later) that was built with it: before, GTK has no
+/// place for the tree of another process, and the page is an empty panel to them.
 class ZLV_EXPORT ZLVGTKPlatform {
  public:
   ZLVGTKPlatform() = delete;

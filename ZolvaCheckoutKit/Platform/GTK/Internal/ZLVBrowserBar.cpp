@@ -100,8 +100,10 @@ void ZLVBrowserBar::setState(ZLVWebPage::State state) {
                                      ? ZLVLocalized("Secure connection")
                                      : ZLVLocalized("Not secure");
     const auto label = isKnown ? state.host + ", " + security : state.host;
-    // The one that takes the focus is inside.
-    setAccessibleLabel(gtk_widget_get_first_child(title_), label.c_str());
+    // The one that takes the focus is inside; both are told of.
+    for (GtkWidget* const button : {title_, gtk_widget_get_first_child(title_)}) {
+      setAccessibleLabel(button, label.c_str());
+    }
   }
   gtk_label_set_text(GTK_LABEL(host_), state.host.c_str());
   gtk_widget_set_tooltip_text(host_, state.host.c_str());

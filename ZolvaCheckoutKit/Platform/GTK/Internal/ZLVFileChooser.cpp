@@ -23,9 +23,9 @@ std::vector<std::string> pathsOf(GtkFileChooser* chooser) {
 struct ZLVFileChooser::Opened {
   Opened(GtkWindow* window, WebKitFileChooserRequest* asked)
       : request(ZLVGObject<WebKitFileChooserRequest>::retain(asked)),
-        dialog(ZLVGObject<GtkFileChooserNative>::take(gtk_file_chooser_native_new(
-            ZLVLocalized("Choose a File"), window, GTK_FILE_CHOOSER_ACTION_OPEN, nullptr,
-            nullptr))) {
+        dialog(ZLVGObject<GtkFileChooserNative>::take(
+            gtk_file_chooser_native_new(ZLVLocalized("Choose a File"), window,
+                                        GTK_FILE_CHOOSER_ACTION_OPEN, nullptr, nullptr))) {
     auto* const chooser = GTK_FILE_CHOOSER(dialog.get());
     gtk_file_chooser_set_select_multiple(chooser,
                                          webkit_file_chooser_request_get_select_multiple(asked));

@@ -33,7 +33,8 @@ class KeyFilter {
     GdkEvent* const event = gtk_event_controller_get_current_event(keys);
     GtkRoot* const root = gtk_widget_get_root(gtk_event_controller_get_widget(keys));
     const GtkWidget* const focus = gtk_root_get_focus(root);
-    const auto known = std::ranges::find(pressed_, event, [](auto& key) { return key.event.get(); });
+    const auto known =
+        std::ranges::find(pressed_, event, [](auto& key) { return key.event.get(); });
     if (known != pressed_.end()) return focus != known->focus;
     constexpr std::size_t enough = 16;
     if (pressed_.size() == enough) pressed_.pop_front();

@@ -58,9 +58,7 @@ struct ZLVWindowCover::Layer {
     return overlay;
   }
 
-  GtkWidget* top() const {
-    return covers.empty() ? underneath.get() : covers.back()->cover_.get();
-  }
+  GtkWidget* top() const { return covers.empty() ? underneath.get() : covers.back()->cover_.get(); }
 
   void disable(GtkWidget* titlebar) {
     // The window's own buttons stay: it can be closed and moved as ever.

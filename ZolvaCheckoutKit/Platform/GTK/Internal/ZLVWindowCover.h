@@ -14,7 +14,8 @@ class ZLVWindowCover {
   ZLVWindowCover& operator=(const ZLVWindowCover&) = delete;
   ~ZLVWindowCover();
 
-  /// Whether the cover is still in its window: not once that was destroyed or given another content.
+  /// Whether the cover is still in its window: not once that was destroyed or given another
+  /// content.
   [[nodiscard]] bool isInPlace() const;
 
  private:
