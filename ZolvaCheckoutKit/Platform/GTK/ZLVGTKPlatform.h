@@ -41,9 +41,9 @@ struct ZLVGTKHandlers {
 /// that ships them elsewhere calls bindtextdomain(3) after `platformWithApplication`. Several pages
 /// over one window, and what the host itself puts over a page, may end in any order.
 ///
-/// Screen readers find the bar and whatever the browser says itself. What the page holds they find
-/// from GTK 4.14 on, with a WebKitGTK (2.44 or later) that was built with it: before, GTK has no
-/// place for the tree of another process, and the page is an empty panel to them.
+/// Screen readers find the bar and whatever the browser says itself, but not what the page holds
+/// before GTK 4.14 and a WebKitGTK (2.44 or later) built with that: an older GTK has no place for
+/// the tree of another process, and the page is an empty panel to them.
 class ZLV_EXPORT ZLVGTKPlatform {
  public:
   ZLVGTKPlatform() = delete;
