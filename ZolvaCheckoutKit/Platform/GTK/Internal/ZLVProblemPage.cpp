@@ -10,7 +10,7 @@ namespace {
 
 /// What is said about a problem; texts are translated where they are shown, and "%s" is the host.
 struct Words {
-  ZLVProblem::Kind kind;
+  ZLVProblem::Kind kind = ZLVProblem::Kind::Unreachable;
   const char* icon = nullptr;
   const char* title = nullptr;
   const char* text = nullptr;
