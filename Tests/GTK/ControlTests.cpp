@@ -41,13 +41,10 @@ void press(const Host& host, const std::function<void()>& keys) {
 std::string focusOf(const Host& host) {
   auto* const focus = gtk_window_get_focus(host.window());
   if (focus == nullptr) return "nowhere";
-  if (WEBKIT_IS_WEB_VIEW(focus)) return *host.evaluate("document.activeElement.tagName");
+  if (WEBKIT_IS_WEB_VIEW(focus) != FALSE) return *host.evaluate("document.activeElement.tagName");
   for (const char* control : {"Close", "127.0.0.1", "Back (Alt+Left)", "Reload (F5)"}) {
     GtkWidget* const widget = host.find(control);
-    if (widget == focus || gtk_widget_is_ancestor(widget, focus) != FALSE ||
-        gtk_widget_is_ancestor(focus, widget) != FALSE) {
-      return control;
-    }
+    if (widget == focus || gtk_widget_is_ancestor(widget, focus) != FALSE) return control;
   }
   return G_OBJECT_TYPE_NAME(focus);
 }
@@ -89,8 +86,10 @@ TEST(Controls, ZoomThePage) {
                                                     {"ctrl+KP_Subtract", .9}, {"ctrl+KP_0", 1}};
     for (const auto& [keys, level] : steps) {
       pressKeys(keys);
-      EXPECT_TRUE(waitFor([&] { return webkit_web_view_get_zoom_level(host.webView()) == level; }))
-          << keys;
+      const auto isThere = [&host, wanted = level] {
+        return webkit_web_view_get_zoom_level(host.webView()) == wanted;
+      };
+      EXPECT_TRUE(waitFor(isThere)) << keys;
     }
     for (int i = 0; i < 12; ++i) pressKeys("ctrl+minus");
     EXPECT_TRUE(waitFor([&] { return webkit_web_view_get_zoom_level(host.webView()) == 0.5; }));

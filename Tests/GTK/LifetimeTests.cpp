@@ -162,7 +162,7 @@ TEST(Browser, EndsWhenItWasBarelyShownOrNotAtAll) {
 
 /// The web views in the widget, the lowest first.
 std::vector<GtkWidget*> viewsIn(GtkWidget* root) {
-  if (WEBKIT_IS_WEB_VIEW(root)) return {root};
+  if (WEBKIT_IS_WEB_VIEW(root) != FALSE) return {root};
   std::vector<GtkWidget*> found;
   for (auto* child = gtk_widget_get_first_child(root); child != nullptr;
        child = gtk_widget_get_next_sibling(child)) {
@@ -227,7 +227,7 @@ TEST_F(Covers, EndInAnyOrder) {
       expectNothingLeft(content);
       EXPECT_EQ(gtk_window_get_default_widget(host_.window()), host_.payButton());
       EXPECT_NE(gtk_widget_get_state_flags(host_.entry()) & GTK_STATE_FLAG_FOCUS_WITHIN, 0);
-      std::ranges::rotate(order, order.begin() + 1);
+      std::rotate(order.begin(), order.begin() + 1, order.end());
     }
     EXPECT_EQ(closed_, 0);
   });

@@ -15,7 +15,8 @@ std::string nameEntry(const X509_NAME* name, int kind) {
   const int size =
       ASN1_STRING_to_UTF8(&bytes, X509_NAME_ENTRY_get_data(X509_NAME_get_entry(name, place)));
   if (size < 0) return {};
-  const ZLVGText valid(g_utf8_make_valid(reinterpret_cast<const char*>(bytes), size));
+  const ZLVGText valid(
+      g_utf8_make_valid(static_cast<const char*>(static_cast<void*>(bytes)), size));
   OPENSSL_free(bytes);
   return valid.get();
 }

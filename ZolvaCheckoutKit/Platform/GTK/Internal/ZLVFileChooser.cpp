@@ -44,6 +44,7 @@ struct ZLVFileChooser::Opened {
 
   void select(const std::vector<std::string>& paths) {
     std::vector<const char*> files;
+    files.reserve(paths.size() + 1);
     for (const auto& path : paths) files.push_back(path.c_str());
     if (files.empty()) return;
     files.push_back(nullptr);

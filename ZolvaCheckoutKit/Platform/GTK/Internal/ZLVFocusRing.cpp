@@ -8,7 +8,7 @@ namespace {
 
 /// What any box does.
 gboolean moveAsBox(GtkWidget* ring, GtkDirectionType direction) {
-  gpointer const parent = g_type_class_peek(GTK_TYPE_BOX);
+  auto* const parent = g_type_class_peek(GTK_TYPE_BOX);
   return GTK_WIDGET_CLASS(parent)->focus(ring, direction);
 }
 
