@@ -42,7 +42,9 @@ struct ZLVLinuxOptions {
 ///
 /// HTTP behaves as `ZLVURLSession` says and, beyond that: proxies are taken from the environment
 /// (`https_proxy`, `http_proxy`, `no_proxy`), calls to this machine itself excepted; no User-Agent
-/// is sent; nothing is written to disk.
+/// is sent; nothing is written to disk. Connecting takes a minute at most, what is sent and not
+/// acknowledged for a minute is lost, and 64 calls to a server are under way at a time: the others
+/// wait in order.
 ///
 /// After fork(2) the library is the parent's: the child may call exec, _exit or exit, and nothing
 /// of the library.
