@@ -36,7 +36,7 @@ class ZLVOnce<void(Arguments...)> {
     if constexpr (ZLVNullableFunction<Kept>) {
       if (function == nullptr) return;
     }
-    target_ = std::make_unique<Target<Kept>>(std::forward<Function>(function));
+    target_.reset(new Target<Kept>(std::forward<Function>(function)));
   }
 
   /// Whether there is still something to call.
@@ -44,23 +44,32 @@ class ZLVOnce<void(Arguments...)> {
 
   /// Does nothing when empty.
   void operator()(Arguments... arguments) && {
-    if (auto target = std::move(target_)) target->call(std::forward<Arguments>(arguments)...);
+    if (auto target = std::move(target_)) {
+      target->call(*target, std::forward<Arguments>(arguments)...);
+    }
   }
 
  private:
+  /// Pointers in place of virtual functions: the name of each lambda's class would be kept, too.
   struct Callable {
-    virtual ~Callable() = default;
-    virtual void call(Arguments... arguments) = 0;
+    void (*call)(Callable& self, Arguments... arguments);
+    void (*destroy)(Callable* self) noexcept;
   };
   template <class Function>
   struct Target final : Callable {
     template <class Source>
-    explicit Target(Source&& source) : function(std::forward<Source>(source)) {}
-    void call(Arguments... arguments) override {
-      std::move(function)(std::forward<Arguments>(arguments)...);
-    }
+    explicit Target(Source&& source)
+        : Callable{[](Callable& self, Arguments... arguments) {
+                     std::move(static_cast<Target&>(self).function)(
+                         std::forward<Arguments>(arguments)...);
+                   },
+                   [](Callable* self) noexcept { delete static_cast<Target*>(self); }},
+          function(std::forward<Source>(source)) {}
     Function function;
   };
+  struct Destroy {
+    void operator()(Callable* target) const noexcept { target->destroy(target); }
+  };
 
-  std::unique_ptr<Callable> target_;
+  std::unique_ptr<Callable, Destroy> target_;
 };

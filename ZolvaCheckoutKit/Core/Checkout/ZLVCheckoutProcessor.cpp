@@ -50,22 +50,32 @@ std::optional<ZLVURL> lastURL(const std::vector<std::shared_ptr<Action>>& action
   return url;
 }
 
-template <class Response, class Result>
-void process(const Flow& flow, std::shared_ptr<Response> response,
-             const std::shared_ptr<ZLVViewController>& viewController,
-             ZLVCompletion<Result> completion) {
+/// What an answer asks for.
+struct Page {
+  bool isWanted = false;
+  std::optional<ZLVURL> URL;
+};
+
+template <class Response>
+Page pageOf(const Response& response, std::string_view actionName) {
+  if (response.statusCode().integerValue() != statusNeedsAction || !response.actions()) return {};
+  return {.isWanted = true, .URL = lastURL(*response.actions(), actionName)};
+}
+
+void process(const Flow& flow, std::shared_ptr<ZLVMappable> response, const Page& page,
+             const std::shared_ptr<ZLVViewController>& viewController, ZLVPendingAnswer answer) {
   auto& tracker = ZLVAnalyticsTracker::shared();
-  if (response->statusCode().integerValue() != statusNeedsAction || !response->actions()) {
+  if (!page.isWanted) {
     if (flow.passThroughEvent) tracker.trackEventName(*flow.passThroughEvent);
-    return std::move(completion).succeed(std::move(response));
+    return std::move(answer).succeed(std::move(response));
   }
 
   // Shared because the browser's callback is copyable; whoever calls it first uses it up.
-  auto pending = std::make_shared<decltype(completion)>(std::move(completion));
+  auto pending = std::make_shared<ZLVPendingAnswer>(std::move(answer));
   std::shared_ptr<ZLVWebViewController> browser;
-  if (const auto url = lastURL(*response->actions(), flow.actionName)) {
-    browser = ZLVWebViewController::initWithURL(*url, [pending, response, &flow] {
-      if (!*pending) return;
+  if (page.URL) {
+    browser = ZLVWebViewController::initWithURL(*page.URL, [pending, response, &flow] {
+      if (!pending->isPending()) return;
       auto owner = std::move(*pending);
       ZLVAnalyticsTracker::shared().trackEventName(flow.closedEvent);
       std::move(owner).succeed(response);
@@ -83,12 +93,15 @@ void ZLVCheckoutProcessor::processAccountLinkingWithResponse(
     std::shared_ptr<ZLVLinkAccountResponse> response,
     const std::shared_ptr<ZLVViewController>& viewController,
     ZLVCompletion<ZLVLinkAccountResult> completion) {
-  process(accountLinking, std::move(response), viewController, std::move(completion));
+  const auto page = pageOf(*response, accountLinking.actionName);
+  process(accountLinking, std::move(response), page, viewController,
+          std::move(completion).untyped());
 }
 
 void ZLVCheckoutProcessor::processCreateTransactionWithResponse(
     std::shared_ptr<ZLVTransactionResponse> response,
     const std::shared_ptr<ZLVViewController>& viewController,
     ZLVCompletion<ZLVTransactionResult> completion) {
-  process(charge, std::move(response), viewController, std::move(completion));
+  const auto page = pageOf(*response, charge.actionName);
+  process(charge, std::move(response), page, viewController, std::move(completion).untyped());
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string_view>
@@ -10,11 +11,16 @@
 #include <ZolvaCheckoutKit/ZLVError.h>
 #include <ZolvaCheckoutKit/ZLVMappable.h>
 
-/// What a completion is beside the type of its record.
+/// The one owner of a call's answer, made where the call begins and handed along from there.
+///
+/// It is moved from hand to hand and used up by `succeed` or `fail`, so nothing can answer twice.
+/// Nothing can forget to answer either: an owner that goes away unused, through an exception or
+/// because a backend lost its handler, answers from the main queue.
 class ZLVPendingAnswer {
  public:
   using Handler = ZLVOnce<void(std::shared_ptr<ZLVMappable>, std::optional<ZLVError>)>;
 
+  /// `errorEvent`, which outlives this, is recorded before a failure is told.
   ZLVPendingAnswer(Handler handler, std::string_view errorEvent) noexcept;
   ZLVPendingAnswer(ZLVPendingAnswer&&) noexcept = default;
   ZLVPendingAnswer& operator=(ZLVPendingAnswer&&) = delete;
@@ -23,8 +29,15 @@ class ZLVPendingAnswer {
   /// Whether the call is still to be answered. Nobody need be listening.
   [[nodiscard]] bool isPending() const noexcept { return activity_.isUnderWay(); }
 
+  /// Answers with the record, which is of the handler's type. Main thread.
   void succeed(std::shared_ptr<ZLVMappable> record) &&;
+
+  /// Records the error event and answers with the error, even where the event cannot be recorded;
+  /// that fault is thrown afterwards. Main thread.
   void fail(ZLVError error) &&;
+
+  /// What to answer, without an event, if this goes away unused; `NSURLErrorCancelled`, with the
+  /// error event, otherwise.
   void failWhenLetGo(ZLVError error) { failure_ = std::move(error); }
 
  private:
@@ -35,40 +48,30 @@ class ZLVPendingAnswer {
   ZLVActivity activity_;  // ends when the handler is called
 };
 
-/// The one owner of a call's answer, made where the call begins and handed along from there.
-///
-/// It is moved from hand to hand and used up by `succeed` or `fail`, so nothing can answer twice.
-/// Nothing can forget to answer either: an owner that goes away unused, through an exception or
-/// because a backend lost its handler, answers from the main queue.
+/// A completion: the owner of an answer, with the type of its record.
 template <class Record>
 class ZLVCompletion {
  public:
   /// Receives the answer on the main thread; may be null.
-  using Handler = ZLVOnce<void(std::shared_ptr<Record>, std::optional<ZLVError>)>;
+  using Handler = std::function<void(std::shared_ptr<Record>, std::optional<ZLVError>)>;
 
-  /// `errorEvent`, which outlives the completion, is recorded before a failure is told.
-  ZLVCompletion(Handler handler, std::string_view errorEvent)
-      : answer_(
-            [handler = std::move(handler)](std::shared_ptr<ZLVMappable> record,
-                                           std::optional<ZLVError> error) mutable {
-              std::move(handler)(std::static_pointer_cast<Record>(std::move(record)),
-                                 std::move(error));
-            },
-            errorEvent) {}
+  /// The handler as `ZLVPendingAnswer` has it, for a completion of this type.
+  static ZLVPendingAnswer::Handler untyped(Handler handler) {
+    if (!handler) return {};
+    return [handler = std::move(handler)](std::shared_ptr<ZLVMappable> record,
+                                          std::optional<ZLVError> error) {
+      handler(std::static_pointer_cast<Record>(std::move(record)), std::move(error));
+    };
+  }
 
-  /// Whether the call is still to be answered.
-  explicit operator bool() const noexcept { return answer_.isPending(); }
+  /// Of an answer that was made with a handler of this type.
+  explicit ZLVCompletion(ZLVPendingAnswer answer) noexcept : answer_(std::move(answer)) {}
 
   /// Answers with the record. Main thread.
   void succeed(std::shared_ptr<Record> record) && { std::move(answer_).succeed(std::move(record)); }
 
-  /// Records the error event and answers with the error, even where the event cannot be recorded;
-  /// that fault is thrown afterwards. Main thread.
-  void fail(ZLVError error) && { std::move(answer_).fail(std::move(error)); }
-
-  /// What to answer, without an event, if this goes away unused; `NSURLErrorCancelled`, with the
-  /// error event, otherwise.
-  void failWhenLetGo(ZLVError error) { answer_.failWhenLetGo(std::move(error)); }
+  /// Goes on without the type: whoever answers vouches for it.
+  ZLVPendingAnswer untyped() && { return std::move(answer_); }
 
  private:
   ZLVPendingAnswer answer_;

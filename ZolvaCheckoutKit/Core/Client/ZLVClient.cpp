@@ -52,21 +52,23 @@ void requireReadiness(std::string_view call) {
 
 /// The record that the answer is read into. One that does not fit is a fault, and an error for the
 /// completion, which the fault is about to unwind.
-template <class Record, class Result>
-std::shared_ptr<Record> mapped(const ZLVValue& answer, ZLVCompletion<Result>& completion) {
+template <class Record>
+std::shared_ptr<Record> mapped(const ZLVValue& answer, ZLVPendingAnswer& pending) {
   try {
     return Record::initWithDictionary(answer);
   } catch (const ZLVProgrammingFault& fault) {
-    completion.failWhenLetGo(ZLVJSONSerialization::misfitError(fault.what()));
+    pending.failWhenLetGo(ZLVJSONSerialization::misfitError(fault.what()));
     throw;
   }
 }
 
-/// Sends the call. A dictionary that comes back goes to `accept` together with the completion; an
-/// error, or an answer of another kind, completes.
-template <class Result, class Accept>
+/// What becomes of a dictionary that the server has answered.
+using Accept = ZLVOnce<void(const ZLVValue& answer, ZLVPendingAnswer pending)>;
+
+/// Sends the call. A dictionary that comes back goes to `accept`; an error, or an answer of another
+/// kind, completes.
 void perform(const Operation& operation, std::string_view accountID, ZLVValue parameters,
-             ZLVCompletionHandler<Result> handler, Accept accept) {
+             ZLVPendingAnswer::Handler handler, Accept accept) {
   requireReadiness(operation.name);
   const auto& baseURL =
       required(ZLVVendor::shared().merchantSeverURL(),
@@ -77,23 +79,26 @@ void perform(const Operation& operation, std::string_view accountID, ZLVValue pa
   auto& network = ZLVNetwork::shared();
 
   // Nothing above may have answered: what throws there is for the caller alone.
-  ZLVCompletion<Result> completion(std::move(handler), operation.errorEvent);
-  network.request(service, [accept = std::move(accept), completion = std::move(completion)](
+  ZLVPendingAnswer pending(std::move(handler), operation.errorEvent);
+  network.request(service, [accept = std::move(accept), pending = std::move(pending)](
                                const ZLVValue& answer, std::optional<ZLVError> error) mutable {
     if (!error && answer.dictionary() == nullptr) error = ZLVJSONSerialization::notAnObjectError();
-    if (error) return std::move(completion).fail(*std::move(error));
-    accept(answer, std::move(completion));
+    if (error) return std::move(pending).fail(*std::move(error));
+    std::move(accept)(answer, std::move(pending));
   });
 }
 
-/// What the calls without a page do with their answer.
-template <class Result>
-auto recordAndComplete(std::string_view successEvent) {
-  return [successEvent](const ZLVValue& answer, ZLVCompletion<Result> completion) {
-    ZLVAnalyticsTracker::shared().trackEventName(successEvent);
-    auto record = mapped<Result>(answer, completion);
-    std::move(completion).succeed(std::move(record));
-  };
+/// A call without a page.
+template <class Record>
+void performWithoutPage(const Operation& operation, const ZLVClient::Text& accountID,
+                        std::string_view successEvent, ZLVCompletionHandler<Record> handler) {
+  perform(operation, required(accountID, "account id", operation), {},
+          ZLVCompletion<Record>::untyped(std::move(handler)),
+          [successEvent](const ZLVValue& answer, ZLVPendingAnswer pending) {
+            ZLVAnalyticsTracker::shared().trackEventName(successEvent);
+            auto record = mapped<Record>(answer, pending);
+            std::move(pending).succeed(std::move(record));
+          });
 }
 
 }  // namespace
@@ -117,27 +122,26 @@ void ZLVClient::linkAccountWithPaymentType(Text paymentType,
       {std::string(paymentTypeKey), required(paymentType, "payment type", linkAccount)}};
   if (zolvaPartnerDetails != nullptr) body.merge(zolvaPartnerDetails->dictionaryValue());
 
-  perform<ZLVLinkAccountResult>(
-      linkAccount, {}, std::move(body), std::move(completion),
-      [viewController = std::move(viewController)](const ZLVValue& answer, auto owner) {
-        auto response = mapped<ZLVLinkAccountResponse>(answer, owner);
-        ZLVCheckoutProcessor::processAccountLinkingWithResponse(std::move(response), viewController,
-                                                                std::move(owner));
-      });
+  using Completion = ZLVCompletion<ZLVLinkAccountResult>;
+  perform(linkAccount, {}, std::move(body), Completion::untyped(std::move(completion)),
+          [viewController = std::move(viewController)](const ZLVValue& answer,
+                                                       ZLVPendingAnswer pending) {
+            auto response = mapped<ZLVLinkAccountResponse>(answer, pending);
+            ZLVCheckoutProcessor::processAccountLinkingWithResponse(
+                std::move(response), viewController, Completion(std::move(pending)));
+          });
 }
 
 void ZLVClient::enquireAccountWithAccountID(Text accountID,
                                             ZLVCompletionHandler<ZLVAccountInfo> completion) {
-  perform<ZLVAccountInfo>(enquireAccount, required(accountID, "account id", enquireAccount), {},
-                          std::move(completion),
-                          recordAndComplete<ZLVAccountInfo>(ZLVEvent::enquireAccountSuccess));
+  performWithoutPage(enquireAccount, accountID, ZLVEvent::enquireAccountSuccess,
+                     std::move(completion));
 }
 
 void ZLVClient::disableAccountWithAccountID(
     Text accountID, ZLVCompletionHandler<ZLVDisableAccountResult> completion) {
-  perform<ZLVDisableAccountResult>(
-      disableAccount, required(accountID, "account id", disableAccount), {}, std::move(completion),
-      recordAndComplete<ZLVDisableAccountResult>(ZLVEvent::unlinkAccountSuccess));
+  performWithoutPage(disableAccount, accountID, ZLVEvent::unlinkAccountSuccess,
+                     std::move(completion));
 }
 
 void ZLVClient::createTransactionWithPaymentType(
@@ -161,13 +165,14 @@ void ZLVClient::createTransactionWithPaymentType(
     body.set("item_details", std::move(items));
   }
 
-  perform<ZLVTransactionResult>(
-      call, {}, std::move(body), std::move(completion),
-      [viewController = std::move(viewController)](const ZLVValue& answer, auto owner) {
-        auto response = mapped<ZLVTransactionResponse>(answer, owner);
-        ZLVCheckoutProcessor::processCreateTransactionWithResponse(
-            std::move(response), viewController, std::move(owner));
-      });
+  using Completion = ZLVCompletion<ZLVTransactionResult>;
+  perform(call, {}, std::move(body), Completion::untyped(std::move(completion)),
+          [viewController = std::move(viewController)](const ZLVValue& answer,
+                                                       ZLVPendingAnswer pending) {
+            auto response = mapped<ZLVTransactionResponse>(answer, pending);
+            ZLVCheckoutProcessor::processCreateTransactionWithResponse(
+                std::move(response), viewController, Completion(std::move(pending)));
+          });
 }
 
 void ZLVClient::handleCallbackUrl(const ZLVURL& url) {
