@@ -10,6 +10,7 @@ int print(const Outcome<Record>& outcome) {
   if (const auto& error = outcome.error) {
     document.set("error", ZLVDictionary{{"domain", error->domain()},
                                         {"code", error->code()},
+                                        {"mayHaveTakenEffect", error->requestMayHaveTakenEffect()},
                                         {"userInfo", error->userInfo()}});
   } else {
     document.set("result", outcome.record);  // described with its nested records as dictionaries

@@ -1,6 +1,7 @@
 #include "Apps/Shop/ShopApplication.h"
 
 #include <algorithm>
+#include <chrono>
 #include <exception>
 #include <utility>
 
@@ -80,7 +81,10 @@ ShopApplication::ShopApplication()
 ShopApplication::~ShopApplication() { g_object_unref(application_); }
 
 int ShopApplication::run(int argc, char** argv) {
-  return g_application_run(G_APPLICATION(application_), argc, argv);
+  const int status = g_application_run(G_APPLICATION(application_), argc, argv);
+  // The last report may still be on its way; nobody waits for more than that.
+  if (ZLVPlatform::isInstalled()) ZLVGTKPlatform::runUntilIdle(std::chrono::seconds(2));
+  return status;
 }
 
 void ShopApplication::readOptions(GVariantDict* given) {

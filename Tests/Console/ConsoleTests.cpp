@@ -190,12 +190,15 @@ TEST_F(Console, FailuresSayWhatToDo) {
     std::string server;
     const char *account, *expected;
   };
-  const Case cases[] = {{sandbox.baseURL(), "a", "\"code\":3840,\"domain\":\"NSCocoaErrorDomain\""},
-                        {sandbox.baseURL(), "a b", "\"code\":-1000,"},
-                        {"http://127.0.0.1:1", "a", "\"code\":-1004,"},
-                        {"https://" + noHost, "a", "\"code\":-1003,"},
-                        {"http://" + noHost, "a", "\"code\":-1022,"},
-                        {"ftp://127.0.0.1", "a", "\"code\":-1002,"}};
+  const Case cases[] = {
+      {sandbox.baseURL(), "a",
+       "\"code\":3840,\"domain\":\"NSCocoaErrorDomain\",\"mayHaveTakenEffect\":true,"},
+      {sandbox.baseURL(), "a b", "\"code\":-1000,"},
+      {"http://127.0.0.1:1", "a",
+       "\"code\":-1004,\"domain\":\"NSURLErrorDomain\",\"mayHaveTakenEffect\":false,"},
+      {"https://" + noHost, "a", "\"code\":-1003,"},
+      {"http://" + noHost, "a", "\"code\":-1022,"},
+      {"ftp://127.0.0.1", "a", "\"code\":-1002,"}};
   for (const auto& [server, account, expected] : cases) {
     const auto result = ChildProcess({ZOLVA_PROGRAM, "--server", server, "--analytics-root",
                                       sandbox.baseURL() + "/", "enquire", account})

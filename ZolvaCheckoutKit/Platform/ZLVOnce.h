@@ -36,7 +36,7 @@ class ZLVOnce<void(Arguments...)> {
     if constexpr (ZLVNullableFunction<Kept>) {
       if (function == nullptr) return;
     }
-    target_.reset(new Target<Kept>(std::forward<Function>(function)));
+    target_.reset(std::make_unique<Target<Kept>>(std::forward<Function>(function)).release());
   }
 
   /// Whether there is still something to call.
@@ -63,7 +63,9 @@ class ZLVOnce<void(Arguments...)> {
                      std::move(static_cast<Target&>(self).function)(
                          std::forward<Arguments>(arguments)...);
                    },
-                   [](Callable* self) noexcept { delete static_cast<Target*>(self); }},
+                   [](Callable* self) noexcept {
+                     const std::unique_ptr<Target> owner(static_cast<Target*>(self));
+                   }},
           function(std::forward<Source>(source)) {}
     Function function;
   };
