@@ -23,13 +23,12 @@ class Network : public testing::Test {
  protected:
   /// Sends a call, answers it with `respond` and returns what the completion got, as text.
   template <class Respond>
-  std::string outcome(std::shared_ptr<ZLVNetworkService> call, Respond respond) {
+  std::string outcome(const std::shared_ptr<ZLVNetworkService>& call, Respond respond) {
     std::vector<std::string> outcomes;
-    network.request(std::move(call),
-                    [&](const ZLVValue& answer, const std::optional<ZLVError>& error) {
-                      EXPECT_NE(answer.isAbsent(), !error);
-                      outcomes.push_back(error ? error->debugDescription() : answer.description());
-                    });
+    network.request(call, [&](const ZLVValue& answer, const std::optional<ZLVError>& error) {
+      EXPECT_NE(answer.isAbsent(), !error);
+      outcomes.push_back(error ? error->debugDescription() : answer.description());
+    });
     auto& tasks =
         platform.session.merchant.empty() ? platform.session.analytics : platform.session.merchant;
     if (!tasks.empty()) respond(tasks.back());

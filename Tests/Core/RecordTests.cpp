@@ -28,11 +28,10 @@ const std::string twoActions = R"(,"actions":[{"name":"n","method":"GET","url":7
 
 template <class Record>
 std::shared_ptr<Record> readHeader(const std::string& rest = "") {
-  const auto record =
-      read<Record>(R"({"status_code":201,"payment_type":"zolva","account_id":"acc-1",)"
-                   R"("account_status":"PENDING","channel_response_code":"0",)"
-                   R"("channel_response_message":"Processed")" +
-                   rest + "}");
+  auto record = read<Record>(R"({"status_code":201,"payment_type":"zolva","account_id":"acc-1",)"
+                             R"("account_status":"PENDING","channel_response_code":"0",)"
+                             R"("channel_response_message":"Processed")" +
+                             rest + "}");
   EXPECT_EQ((ZLVArray{record->statusCode(), record->paymentType(), record->accountID(),
                       record->accountStatus(), record->channelResponseCode(),
                       record->channelResponseMessage()}),
@@ -42,7 +41,7 @@ std::shared_ptr<Record> readHeader(const std::string& rest = "") {
 
 template <class Record>
 std::shared_ptr<Record> readCharge(const std::string& rest = "") {
-  const auto record = read<Record>(
+  auto record = read<Record>(
       R"({"status_code":"200","status_message":"Done","transaction_id":"t","order_id":"o",)"
       R"("gross_amount":10000,"currency":"EUR","payment_type":"zolva","transaction_time":"noon",)"
       R"("transaction_status":"settlement","fraud_status":"accept","channel_response_code":"0",)"
