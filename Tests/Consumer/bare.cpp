@@ -67,7 +67,8 @@ int main() {
 
   int completed = 0;
   const auto page = std::make_shared<Page>();
-  const auto isClosedByCallback = [&] {
+  const auto isClosedByCallback = [&](const std::shared_ptr<ZLVViewController>& root) {
+    interface->root = root;
     if (page->presentedViewController() == nullptr) {
       const auto user = ZLVPartnerDetails::initWithPhoneNumber("5550123", "1");
       ZLVClient::linkAccountWithPaymentType("zolva", user, page,
@@ -79,18 +80,14 @@ int main() {
     return page->presentedViewController() == nullptr;
   };
 
-  interface->root = page;
-  expect(isClosedByCallback(), "a page over the host's own controller is found");
+  expect(isClosedByCallback(page), "a page over the host's own controller is found");
   const auto stack = std::make_shared<ZLVNavigationController>();
   stack->pushViewController(page);
-  interface->root = stack;
-  expect(isClosedByCallback(), "a page over the top of a stack is found");
+  expect(isClosedByCallback(stack), "a page over the top of a stack is found");
   stack->popViewController();
   const auto ownStack = std::make_shared<Stack>();
   ownStack->pushViewController(page);
-  interface->root = ownStack;
-  expect(!isClosedByCallback(), "a subclass is not taken for the library's own class");
-  interface->root = page;
-  expect(isClosedByCallback(), "the page that was left open is still the library's");
+  expect(!isClosedByCallback(ownStack), "a subclass is not taken for the library's own class");
+  expect(isClosedByCallback(page), "the page that was left open is still the library's");
   expect(queue->runUntilIdle(60s) && completed == 3, "every call was answered");
 }

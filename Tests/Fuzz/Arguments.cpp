@@ -4,6 +4,8 @@
 
 #include <algorithm>
 #include <cmath>
+#include <initializer_list>
+#include <utility>
 
 #include "Tests/Fuzz/Fuzz.h"
 
@@ -14,91 +16,75 @@ class CommandLine {
  public:
   explicit CommandLine(const Invocation& invocation) {
     const auto& options = invocation.options;
-    option("--server", options.server);
-    option("--merchant-id", options.merchantId);
-    option("--callback-url", options.callbackURL);
-    if (options.isLoggingEnabled) arguments_.emplace_back("--log");
-    option("--analytics-root", options.analyticsRoot);
-    if (options.allowsCleartext) arguments_.emplace_back("--allow-cleartext");
-    option("--ca-file", options.CAFile);
-    option("--open-with", options.openWith);
+    if (!options.server.empty()) add({{"--server", options.server}});
+    add({{"--merchant-id", options.merchantId},
+         {"--callback-url", options.callbackURL},
+         {"--analytics-root", options.analyticsRoot},
+         {"--ca-file", options.CAFile},
+         {"--open-with", options.openWith}});
+    if (options.isLoggingEnabled) arguments.emplace_back("--log");
+    if (options.allowsCleartext) arguments.emplace_back("--allow-cleartext");
     std::visit(*this, invocation.command);
   }
 
-  [[nodiscard]] const std::vector<std::string>& arguments() const { return arguments_; }
-
   void operator()(const LinkCommand& link) {
-    arguments_.emplace_back("link");
-    option("--phone-number", link.phoneNumber);
-    option("--country-code", link.countryCode);
-    option("--payment-type", link.paymentType);
+    arguments.emplace_back("link");
+    add({{"--phone-number", link.phoneNumber},
+         {"--country-code", link.countryCode},
+         {"--payment-type", link.paymentType}});
   }
-  void operator()(const EnquireCommand& enquire) { account("enquire", enquire.accountID); }
-  void operator()(const UnlinkCommand& unlink) { account("unlink", unlink.accountID); }
+  void operator()(const EnquireCommand& enquire) { add("enquire", enquire.accountID); }
+  void operator()(const UnlinkCommand& unlink) { add("unlink", unlink.accountID); }
   void operator()(const ChargeCommand& charge) {
-    arguments_.emplace_back("charge");
-    option("--account-id", charge.accountID);
-    option("--payment-option-token", charge.paymentOptionToken);
-    option("--gross-amount", number(charge.grossAmount));
-    option("--order-id", charge.orderID);
-    option("--currency", charge.currency);
-    option("--phone-number", charge.phoneNumber);
-    option("--first-name", charge.firstName);
-    option("--last-name", charge.lastName);
-    option("--email", charge.email);
-    option("--payment-type", charge.paymentType);
+    checkNumber(charge.grossAmount);
+    arguments.emplace_back("charge");
+    add({{"--account-id", charge.accountID},
+         {"--payment-option-token", charge.paymentOptionToken},
+         {"--gross-amount", charge.grossAmount.description()},
+         {"--order-id", charge.orderID},
+         {"--currency", charge.currency},
+         {"--phone-number", charge.phoneNumber},
+         {"--first-name", charge.firstName},
+         {"--last-name", charge.lastName},
+         {"--email", charge.email},
+         {"--payment-type", charge.paymentType}});
     if (!charge.items) return;
-    for (const auto& item : *charge.items) option("--item", written(*item));
+    for (const auto& item : *charge.items) add({{"--item", written(*item)}});
   }
   void operator()(const SandboxCommand& sandbox) {
-    arguments_.emplace_back("sandbox");
-    option("--port", std::to_string(sandbox.port));
+    arguments.emplace_back("sandbox");
+    add({{"--port", std::to_string(sandbox.port)}});
   }
-  void operator()(const DemoCommand& /*demo*/) { arguments_.emplace_back("demo"); }
+  void operator()(const DemoCommand& /*demo*/) { arguments.emplace_back("demo"); }
+
+  std::vector<std::string> arguments;
 
  private:
-  void option(const std::string& name, const std::optional<std::string>& value) {
-    if (value) option(name, *value);
-  }
-  void option(const std::string& name, const std::string& value) {
-    if (!value.empty()) {
-      arguments_.push_back(name + '=' + value);
-    } else if (name != "--server") {  // which may be missing
-      arguments_.insert(arguments_.end(), {name, value});
+  using Option = std::pair<std::string, std::optional<std::string>>;
+
+  void add(std::initializer_list<Option> options) {
+    for (const auto& [name, value] : options) {
+      if (value && value->empty()) arguments.insert(arguments.end(), {name, ""});
+      if (value && !value->empty()) arguments.push_back(name + '=' + *value);
     }
   }
-  void account(const std::string& command, const std::string& accountID) {
-    arguments_.insert(arguments_.end(), {command, "--", accountID});
+  void add(const std::string& command, const std::string& accountID) {
+    arguments.insert(arguments.end(), {command, "--", accountID});
   }
 
-  static std::string number(const ZLVValue& value) {
+  static void checkNumber(const ZLVValue& value) {
     promise(value.isNumber() && std::isfinite(*value.number()), "An amount is a number.",
             value.description());
-    return value.description();
   }
   static std::string written(const ZLVItemDetails& item) {
     std::string text;
-    const auto add = [&text](std::string_view key, const ZLVValue& value) {
-      if (value.isAbsent()) return;
-      if (!text.empty()) text += ',';
-      ((text += key) += '=') += value.description();
-    };
-    add("id", item.itemID());
-    add("name", item.name());
-    if (!item.price().isAbsent()) add("price", number(item.price()));
-    if (!item.quantity().isAbsent()) add("quantity", number(item.quantity()));
-    add("category", item.category());
+    for (const auto& [key, value] : item.dictionaryValue()) {
+      if (key == "price" || key == "quantity") checkNumber(value);
+      text += (text.empty() ? "" : ",") + key + '=' + value.description();
+    }
     return text;
   }
-
-  std::vector<std::string> arguments_;
 };
-
-std::string joined(const std::vector<std::string>& lines) {
-  std::string text;
-  for (const auto& line : lines) (text += line) += '\n';
-  return text;
-}
 
 }  // namespace
 
@@ -107,13 +93,13 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   for (auto& argument : arguments) argument.resize(std::min(argument.size(), argument.find('\0')));
   const auto parsed = parseArguments(arguments);
   if (const auto* usage = std::get_if<Usage>(&parsed)) {
-    promise(!usage->message.empty(), "Wrong usage is explained.", joined(arguments));
+    promise(!usage->message.empty(), "Wrong usage is explained.", textOf(data, size));
     return 0;
   }
-  const auto written = CommandLine(std::get<Invocation>(parsed)).arguments();
+  const auto written = CommandLine(std::get<Invocation>(parsed)).arguments;
   const auto again = parseArguments(written);
   const auto* invocation = std::get_if<Invocation>(&again);
-  promise(invocation != nullptr && CommandLine(*invocation).arguments() == written,
-          "An invocation can be written as a command line.", joined(written));
+  promise(invocation != nullptr && CommandLine(*invocation).arguments == written,
+          "An invocation can be written as a command line.", textOf(data, size));
   return 0;
 }

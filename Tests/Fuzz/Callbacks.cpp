@@ -4,6 +4,7 @@
 // open.
 
 #include <algorithm>
+#include <span>
 
 #include "Tests/Fuzz/Fuzz.h"
 #include "Tests/Support/FakePlatform.h"
@@ -11,121 +12,91 @@
 
 namespace {
 
-/// One call, from a fresh window to its answer.
-class Flow {
- public:
-  Flow(const std::string& shape, std::string callback)
-      : callback_(std::move(callback)), isCharge_(shape.find('c') != std::string::npos) {
-    platform_.session = {};
-    platform_.ui->journal.clear();
-    platform_.ui->browser = nullptr;
-    platform_.ui->root = std::make_shared<ZLVViewController>();
-    ZLVClient::initWithMerchantServerURL("https://shop.test/pay/", "M1", callback_, false);
-    auto presenter = platform_.ui->root;
-    for (const char step : std::string_view(shape).substr(0, 8)) {
-      if (step == 'p') presenter = shownOver(*presenter, std::make_shared<ZLVViewController>());
-      if (step == 'n') {
-        const auto stack = std::make_shared<ZLVNavigationController>();
-        stack->pushViewController(std::make_shared<ZLVViewController>());
-        shownOver(*presenter, stack);
-        presenter = stack->childViewControllers().back();
-      }
-    }
-    isCharge_ ? charge(presenter) : link(presenter);
-  }
+FakePlatform& platform() {
+  static auto& installed = *new FakePlatform;  // as long as the process, like the library
+  return installed;
+}
 
-  void answerWithPage(const std::string& page) {
-    const auto body = ZLVJSONSerialization::dataWithJSONObject(ZLVDictionary{
-        {"status_code", "201"},
-        {"actions",
-         ZLVArray{ZLVDictionary{{"name", isCharge_ ? "user-verification" : "activation-deeplink"},
-                                {"url", page}}}}});
-    const auto url = ZLVURL::URLWithString(page);
-    const bool isWebPage = url && (url->scheme() == "http" || url->scheme() == "https");
-    platform_.session.merchant.back().answer(201, *body);
-    platform_.queue->drain();
-    promise((platform_.ui->browser != nullptr) == isWebPage, "A web page is shown.", page);
-    promise(answers_ == (isWebPage ? 0 : 1), "A shown page waits for the user.", page);
-    isOpen_ = isWebPage;
+/// A fresh window, and over it what the steps say; the topmost controller.
+std::shared_ptr<ZLVViewController> presenterBehind(std::string_view steps) {
+  auto presenter = std::make_shared<ZLVViewController>();
+  platform().ui->root = presenter;
+  for (const char step : steps) {
+    if (step != 'p' && step != 'n') continue;
+    auto next = std::make_shared<ZLVViewController>();
+    const auto stack = std::make_shared<ZLVNavigationController>();
+    if (step == 'n') stack->pushViewController(next);
+    presenter->presentViewController(step == 'n' ? stack : next, false);
+    presenter = next;
   }
+  return presenter;
+}
 
-  void open(const std::string& text) {
-    const auto url = ZLVURL::URLWithString(text);
-    if (!url) return;
-    ZLVClient::handleCallbackUrl(*url);
-    platform_.queue->drain();
-    if (!callback_.empty() && text.find(callback_) != std::string::npos) isOpen_ = false;
-    promise(answers_ == (isOpen_ ? 0 : 1), "The callback URL, and it alone, closes the page.",
-            text);
-  }
-
-  void end() {
-    if (isOpen_) std::move(platform_.ui->browser->closed)();
-    platform_.queue->drain();
-    promise(answers_ == 1, "A call is answered once.", std::to_string(answers_));
-    promise(hasRecord_ == (platform_.ui->browser != nullptr), "A page that was shown succeeds.",
-            callback_);
-    const auto& journal = platform_.ui->journal;
-    promise(std::ranges::count(journal, std::string("answer")) == 1 &&
-                std::ranges::count_if(journal,
-                                      [](const auto& note) { return note.starts_with("hide "); }) ==
-                    (hasRecord_ ? 1 : 0),
-            "A page is taken off the screen once.", callback_);
-  }
-
- private:
-  static std::shared_ptr<ZLVViewController> shownOver(
-      ZLVViewController& presenter, std::shared_ptr<ZLVViewController> controller) {
-    presenter.presentViewController(controller, false);
-    return controller;
-  }
-
-  template <class Record>
-  ZLVCompletionHandler<Record> answer() {
-    return [this](const std::shared_ptr<Record>& record, const std::optional<ZLVError>& error) {
-      promise((record == nullptr) == error.has_value(), "An answer is a record or an error.", "");
-      promise(!error || error->domain() == ZLVCheckoutErrorDomain, "Only the page can be missing.",
-              error ? error->debugDescription() : "");
-      hasRecord_ = record != nullptr;
-      ++answers_;
-      platform_.ui->journal.emplace_back("answer");
-    };
-  }
-  void link(const std::shared_ptr<ZLVViewController>& presenter) {
-    ZLVClient::linkAccountWithPaymentType("zolva",
-                                          ZLVPartnerDetails::initWithPhoneNumber("5550123", "1"),
-                                          presenter, answer<ZLVLinkAccountResult>());
-  }
-  void charge(const std::shared_ptr<ZLVViewController>& presenter) {
+/// Starts a link or a charge and answers it with a page.
+void call(bool isCharge, const std::shared_ptr<ZLVViewController>& presenter,
+          const std::string& page, const auto& completion) {
+  if (isCharge) {
     ZLVClient::createTransactionWithPaymentType(
         "zolva", presenter, ZLVZolvaDetails::initWithAccountID("acc", "tok"),
         ZLVTransactionDetails::initWithGrossAmount(10000, "o-1", "EUR"),
-        ZLVCustomerDetails::initWithPhoneNumber("5550123", "Ada", "L", "a@b.c"), {},
-        answer<ZLVTransactionResult>());
+        ZLVCustomerDetails::initWithPhoneNumber("5550123", "Ada", "L", "a@b.c"), {}, completion);
+  } else {
+    ZLVClient::linkAccountWithPaymentType(
+        "zolva", ZLVPartnerDetails::initWithPhoneNumber("5550123", "1"), presenter, completion);
   }
-
-  static FakePlatform& installed() {
-    static auto& platform = *new FakePlatform;  // as long as the process, like the library
-    return platform;
-  }
-
-  FakePlatform& platform_ = installed();
-  std::string callback_;
-  bool isCharge_;
-  bool isOpen_ = false;
-  bool hasRecord_ = false;
-  int answers_ = 0;
-};
+  const auto* name = isCharge ? "user-verification" : "activation-deeplink";
+  const ZLVDictionary answer{{"status_code", "201"},
+                             {"actions", ZLVArray{ZLVDictionary{{"name", name}, {"url", page}}}}};
+  platform().session.merchant.back().answer(201, *ZLVJSONSerialization::dataWithJSONObject(answer));
+  platform().queue->drain();
+}
 
 }  // namespace
 
 int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  auto lines = linesOf(textOf(data, size));
-  lines.resize(std::max<std::size_t>(lines.size(), 3));
-  if (!ZLVIsUTF8(lines[2])) return 0;  // no answer can hold it
-  Flow flow(lines[0], lines[1]);
-  flow.answerWithPage(lines[2]);
-  std::for_each(lines.begin() + 3, lines.end(), [&](const auto& line) { flow.open(line); });
-  flow.end();
+  const auto lines = linesOf(textOf(data, size), 3);
+  const auto& shape = lines[0];
+  const auto& callback = lines[1];
+  const auto& page = lines[2];
+  if (!ZLVIsUTF8(page)) return 0;  // no answer can hold it
+
+  auto& journal = platform().ui->journal;
+  auto& browser = platform().ui->browser;
+  browser = nullptr;
+  platform().session = {};
+  journal.clear();
+  ZLVClient::initWithMerchantServerURL("https://shop.test/pay/", "M1", callback, false);
+  int answers = 0;
+  bool hasRecord = false;
+  call(shape.find('c') != std::string::npos, presenterBehind(std::string_view(shape).substr(0, 8)),
+       page, [&](const auto& record, const std::optional<ZLVError>& error) {
+         promise((record == nullptr) == error.has_value(), "An answer is a record or an error.",
+                 page);
+         promise(!error || error->domain() == ZLVCheckoutErrorDomain,
+                 "Only the page can be missing.", page);
+         hasRecord = record != nullptr;
+         ++answers;
+       });
+
+  const auto url = ZLVURL::URLWithString(page);
+  const bool isWebPage = url && (url->scheme() == "http" || url->scheme() == "https");
+  promise((browser != nullptr) == isWebPage, "A web page is shown.", page);
+  bool isOpen = isWebPage;
+  promise(answers == (isOpen ? 0 : 1), "A shown page waits for the user.", page);
+  for (const auto& line : std::span(lines).subspan(3)) {
+    const auto opened = ZLVURL::URLWithString(line);
+    if (!opened) continue;
+    ZLVClient::handleCallbackUrl(*opened);
+    platform().queue->drain();
+    if (!callback.empty() && line.find(callback) != std::string::npos) isOpen = false;
+    promise(answers == (isOpen ? 0 : 1), "The callback URL, and it alone, closes the page.", line);
+  }
+  if (isOpen) std::move(browser->closed)();
+  platform().queue->drain();
+  promise(answers == 1, "A call is answered once.", std::to_string(answers));
+  promise(hasRecord == isWebPage, "A page that was shown succeeds.", callback);
+  const auto isHiding = [](const auto& note) { return note.starts_with("hide "); };
+  promise(std::ranges::count_if(journal, isHiding) == (isWebPage ? 1 : 0),
+          "A page is taken off the screen once.", callback);
   return 0;
 }

@@ -15,12 +15,11 @@ std::string_view textOf(const std::uint8_t* data, std::size_t size) {
   return {reinterpret_cast<const char*>(data), size};  // NOLINT(*-reinterpret-cast)
 }
 
-std::vector<std::string> linesOf(std::string_view text) {
+std::vector<std::string> linesOf(std::string_view text, std::size_t atLeast, char end) {
   std::vector<std::string> lines;
-  for (std::size_t start = 0; start <= text.size();) {
-    const auto end = std::min(text.find('\n', start), text.size());
-    lines.emplace_back(text.substr(start, end - start));
-    start = end + 1;
+  for (std::size_t start = 0; start <= text.size(); start += lines.back().size() + 1) {
+    lines.emplace_back(text.substr(start, text.find(end, start) - start));
   }
+  lines.resize(std::max(lines.size(), atLeast));
   return lines;
 }

@@ -18,5 +18,5 @@ void promise(bool isKept, std::string_view promise, std::string_view broken);
 /// The bytes as text.
 std::string_view textOf(const std::uint8_t* data, std::size_t size);
 
-/// The lines of a text; at least one, none with its line break.
-std::vector<std::string> linesOf(std::string_view text);
+/// The lines of a text, none with its end; empty ones follow where there are fewer than `atLeast`.
+std::vector<std::string> linesOf(std::string_view text, std::size_t atLeast = 1, char end = '\n');

@@ -8,12 +8,8 @@
 #include "Tests/Fuzz/Fuzz.h"
 
 int main(int argc, char** argv) {
-  if (argc != 2) {
-    std::cerr << "Usage: " << *argv << " FOLDER\n";
-    return 2;
-  }
   std::size_t count = 0;
-  for (const auto& file : std::filesystem::directory_iterator(argv[1])) {
+  for (const auto& file : std::filesystem::directory_iterator(argc > 1 ? argv[1] : ".")) {
     std::cout << file.path().filename().string() << std::endl;  // before the target may end it all
     std::ifstream stream(file.path(), std::ios::binary);
     const std::vector<std::uint8_t> bytes{std::istreambuf_iterator<char>(stream), {}};

@@ -4,6 +4,8 @@
 #include <algorithm>
 #include <map>
 
+#include <strings.h>
+
 #include <ZolvaCheckoutKit/Core/Helpers/ZLVText.h>
 #include <ZolvaCheckoutKit/Core/Helpers/core_parse.h>
 #include <ZolvaCheckoutKit/Core/Helpers/encode.h>
@@ -16,14 +18,6 @@ namespace {
 
 using Parameters = std::map<std::string, std::string>;
 
-std::string lowerCase(std::string_view text) {
-  std::string lower(text);
-  std::ranges::transform(lower, lower.begin(), [](char c) {
-    return static_cast<char>(c >= 'A' && c <= 'Z' ? c - 'A' + 'a' : c);
-  });
-  return lower;
-}
-
 void checkURL(const std::string& text) {
   const auto url = ZLVURL::URLWithString(text);
   if (!url) return;
@@ -34,7 +28,8 @@ void checkURL(const std::string& text) {
 
   const auto colon = text.find_first_of(":/?#");
   const bool hasScheme = colon != std::string::npos && text[colon] == ':';
-  promise(url->scheme() == (hasScheme ? lowerCase(text.substr(0, colon)) : ""),
+  const auto scheme = text.substr(0, hasScheme ? colon : 0);
+  promise(strcasecmp(url->scheme().c_str(), scheme.c_str()) == 0,
           "The scheme stands before the first colon.", text);
   const auto authority = "//" + text.substr(std::min(text.size(), text.find("//") + 2));
   promise(url->host().empty() || authority.find(url->host()) != std::string::npos,
@@ -65,8 +60,7 @@ std::string percentEncoded(std::string_view text) {
   std::string encoded;
   for (const char c : text) {
     const auto byte = static_cast<std::uint8_t>(c);
-    (encoded += '%') += digits[byte >> 4];
-    encoded += digits[byte & 0xF];
+    encoded.append({'%', digits[byte >> 4], digits[byte & 0xF]});
   }
   return encoded;
 }
@@ -100,11 +94,6 @@ void checkQuery(const Parameters& parameters) {
   }
   const auto query = core_parse::queryStringValue(dictionary);
   promise(readQuery(query) == expected, "A query reads back the same.", query);
-
-  ZLVArray all;
-  for (const auto& [key, value] : parameters) all.emplace_back(ZLVArray{key, value.size()});
-  promise(core_parse::pairsOfArray(all, "key").size() == 2 * parameters.size(),
-          "Every value of a list has its piece.", query);
 }
 
 void checkRequestURL(const std::string& text, const Parameters& parameters) {
@@ -121,8 +110,7 @@ void checkRequestURL(const std::string& text, const Parameters& parameters) {
 }  // namespace
 
 int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  auto lines = linesOf(textOf(data, size));
-  lines.resize(std::max<std::size_t>(lines.size(), 2));
+  const auto lines = linesOf(textOf(data, size), 2);
   Parameters parameters;
   for (std::size_t i = 2; i + 1 < lines.size(); i += 2) parameters[lines[i]] = lines[i + 1];
 

@@ -1,3 +1,5 @@
+#include <tuple>
+
 #include <gtest/gtest.h>
 
 #include "SandboxClient.h"
@@ -9,14 +11,20 @@ constexpr std::string_view AccountPath = "/v2/pay/account";
 class Journey : public testing::Test {
  protected:
   SandboxClient::Response link(std::string_view callbackURL = "shop://done?a=1#end") {
-    const json::value body = {
-        {"payment_type", "zolva"},
-        {"zolva_partner",
-         {{"phone_number", "55501<2>"}, {"country_code", "1"}, {"redirect_url", callbackURL}}}};
-    return client.call("POST", AccountPath, json::serialize(body));
+    return client.call("POST", AccountPath, linking(callbackURL));
   }
 
-  SandboxClient::Response charge(std::string_view orderID, double amount, int quantity = 1) {
+  static std::string linking(std::string_view callbackURL,
+                             const json::value& phoneNumber = "55501<2>") {
+    return json::serialize(json::object{
+        {"payment_type", "zolva"},
+        {"zolva_partner",
+         {{"phone_number", phoneNumber}, {"country_code", "1"}, {"redirect_url", callbackURL}}}});
+  }
+
+  SandboxClient::Response charge(std::string_view orderID, double amount, int quantity = 1,
+                                 std::string_view currency = ZLVSandboxCurrency) {
+    const json::object item{{"id", "i"}, {"name", "n"}, {"price", amount}, {"quantity", quantity}};
     const json::value body = {
         {"payment_type", "zolva"},
         {"zolva",
@@ -25,11 +33,9 @@ class Journey : public testing::Test {
           {"callback_url", "shop://paid"},
           {"enable_callback", true}}},
         {"transaction_details",
-         {{"gross_amount", amount}, {"order_id", orderID}, {"currency", ZLVSandboxCurrency}}},
+         {{"gross_amount", amount}, {"order_id", orderID}, {"currency", currency}}},
         {"customer_details", {{"phone", "1"}, {"first_name", "Ada"}, {"email", "a@b.c"}}},
-        {"item_details",
-         json::array{
-             json::object{{"id", "i"}, {"name", "n"}, {"price", amount}, {"quantity", quantity}}}}};
+        {"item_details", json::array{item}}};
     return client.call("POST", "/v2/charge", json::serialize(body));
   }
 
@@ -42,10 +48,15 @@ class Journey : public testing::Test {
     return textAt(answer, "/actions/0/url").substr(sandbox.baseURL().size());
   }
 
+  /// Decides on the page; where that leads.
+  std::string decide(const SandboxClient::Response& answer, const std::string& decision) {
+    return client.call("POST", page(answer), "decision=" + decision)["Location"];
+  }
+
   void linkAndActivate() {
     const auto linked = link();
     accountID = textAt(linked, "/account_id");
-    EXPECT_EQ(client.call("POST", page(linked), "decision=confirm").result_int(), 303U);
+    decide(linked, "confirm");
     token = textAt(enquire(), "/metadata/payment_options/0/token");
   }
 
@@ -69,7 +80,7 @@ TEST_F(Journey, AnAccountIsActivatedOnAPageThatWorksOnce) {
   EXPECT_EQ(textAt(linked, "/account_status"), "PENDING");
   EXPECT_EQ(textAt(linked, "/actions/0/name"), "activation-deeplink");
   EXPECT_EQ(textAt(linked, "/actions/1/name"), "activation-link-url");
-  EXPECT_EQ(json::parse(enquire().body()).as_object().count("metadata"), 0U);
+  EXPECT_EQ(balance(), "");
   EXPECT_EQ(charge("early", 1).result_int(), 403U);
 
   const auto shown = client.call("GET", page(linked));
@@ -77,23 +88,18 @@ TEST_F(Journey, AnAccountIsActivatedOnAPageThatWorksOnce) {
   EXPECT_NE(shown.body().find("+1 55501&lt;2&gt;"), std::string::npos);
   EXPECT_NE(shown["Content-Security-Policy"].find("form-action 'self' shop:"), std::string::npos);
   EXPECT_EQ(client.call("POST", page(linked), "decision=perhaps").result_int(), 400U);
-
-  const auto confirmed = client.call("POST", page(linked), "decision=confirm");
-  EXPECT_EQ(confirmed.result_int(), 303U);
-  EXPECT_EQ(confirmed["Location"], "shop://done?a=1&result=success#end");
+  EXPECT_EQ(decide(linked, "confirm"), "shop://done?a=1&result=success#end");
   for (const auto* method : {"GET", "POST"}) {
     const auto used = client.call(method, page(linked), "decision=confirm");
     EXPECT_EQ(used.result_int(), 410U);
     EXPECT_NE(used.body().find("used already"), std::string::npos);
   }
-  EXPECT_EQ(client.call("GET", "/wallet/activate/none").result_int(), 404U);
 
   const auto again = link();
   EXPECT_EQ(again.result_int(), 200U);
   EXPECT_EQ(textAt(again, "/account_id"), accountID);
-  EXPECT_EQ(json::parse(again.body()).as_object().count("actions"), 0U);
+  EXPECT_EQ(textAt(again, "/actions/0/url"), "");
   EXPECT_EQ(balance(), "500.00");
-  EXPECT_EQ(textAt(enquire(), "/metadata/payment_options/1/balance/currency"), ZLVSandboxCurrency);
 }
 
 TEST_F(Journey, AChargeAboveTheLimitWaitsForTheUser) {
@@ -103,7 +109,6 @@ TEST_F(Journey, AChargeAboveTheLimitWaitsForTheUser) {
   EXPECT_EQ(textAt(small, "/transaction_status"), "settlement");
   EXPECT_EQ(textAt(small, "/gross_amount"), "100.00");
   EXPECT_EQ(textAt(small, "/transaction_id").size(), 36U);
-  EXPECT_EQ(balance(), "400.00");
 
   const auto large = charge("large", 150.25);
   EXPECT_EQ(large.result_int(), 201U);
@@ -111,36 +116,28 @@ TEST_F(Journey, AChargeAboveTheLimitWaitsForTheUser) {
   EXPECT_EQ(textAt(large, "/actions/0/name"), "user-verification");
   EXPECT_EQ(balance(), "400.00");
   EXPECT_NE(client.call("GET", page(large)).body().find("EUR 150.25"), std::string::npos);
-  EXPECT_EQ(client.call("POST", page(large), "decision=confirm")["Location"],
-            "shop://paid?result=success");
-  EXPECT_EQ(balance(), "249.75");
+  EXPECT_EQ(decide(large, "confirm"), "shop://paid?result=success");
 
-  const auto refused = charge("refused", 200);
-  EXPECT_EQ(client.call("POST", page(refused), "decision=cancel")["Location"],
-            "shop://paid?result=cancelled");
+  EXPECT_EQ(decide(charge("refused", 200), "cancel"), "shop://paid?result=cancelled");
   EXPECT_EQ(orderStatus("refused"), "cancel");
   EXPECT_EQ(balance(), "249.75");
 
   const auto abandoned = charge("refused", 190);
   EXPECT_EQ(orderStatus("refused"), "pending");
-  const auto anew = charge("refused", 10.25);
-  EXPECT_EQ(textAt(anew, "/transaction_status"), "settlement");
+  EXPECT_EQ(textAt(charge("refused", 10.25), "/transaction_status"), "settlement");
   EXPECT_EQ(client.call("POST", page(abandoned), "decision=confirm").result_int(), 410U);
   EXPECT_EQ(charge("refused", 10.25).result_int(), 406U);
   EXPECT_EQ(orderStatus("refused"), "settlement");
-  EXPECT_EQ(balance(), "239.50");
 
   const auto first = charge("first", 200);
   const auto second = charge("second", 200);
-  client.call("POST", page(first), "decision=confirm");
-  EXPECT_EQ(client.call("POST", page(second), "decision=confirm")["Location"],
-            "shop://paid?result=failed");
+  decide(first, "confirm");
+  EXPECT_EQ(decide(second, "confirm"), "shop://paid?result=failed");
   EXPECT_EQ(orderStatus("second"), "deny");
   EXPECT_EQ(balance(), "39.50");
 
   EXPECT_EQ(charge("too-much", 39.51).result_int(), 402U);
   EXPECT_EQ(client.call("GET", "/orders/too-much").result_int(), 404U);
-  EXPECT_EQ(charge("sum", 1, 2).result_int(), 400U);
   token = "unknown";
   EXPECT_EQ(charge("token", 1).result_int(), 404U);
 }
@@ -165,44 +162,33 @@ TEST_F(Journey, AnUnlinkedAccountIsNoLongerOfUse) {
 }
 
 TEST_F(Journey, WrongRequestsAreToldWhatIsWrong) {
-  struct Case {
-    std::string method, target, body;
-    ZLVSandboxHeaders headers;
-    unsigned status;
-    std::string told;
+  const auto call = [this](std::string_view method, std::string_view target,
+                           const ZLVSandboxHeaders& headers = MerchantHeaders) {
+    return client.call(method, target, "{", headers);
   };
-  const std::string phone = R"("phone_number":"5550123","country_code":"1")";
-  const auto linking = [](const std::string& partner) {
-    return R"({"payment_type":"zolva","zolva_partner":{)" + partner + "}}";
+  const auto post = [this](const std::string& body) {
+    return client.call("POST", AccountPath, body);
   };
-  const ZLVSandboxHeaders text = {
-      {"X-Source", "web"}, {"X-Mobile-Platform", "ios"}, {"Content-Type", "text/plain"}};
-  const std::vector<Case> cases = {
-      {"POST", "/v2/pay/account", "{", MerchantHeaders, 400, "the body must be a JSON object"},
-      {"POST", "/v2/pay/account", "[]", MerchantHeaders, 400, "the body must be a JSON object"},
-      {"POST", "/v2/pay/account", linking(R"("country_code":"1")"), MerchantHeaders, 400,
-       "zolva_partner.phone_number must be a text"},
-      {"POST", "/v2/pay/account", linking(phone + R"(,"redirect_url":"a b")"), MerchantHeaders, 400,
-       "zolva_partner.redirect_url must be a URL"},
-      {"POST", "/v2/pay/account", linking(phone + R"(,"redirect_url":"s:\r\nX: 1")"),
-       MerchantHeaders, 400, "zolva_partner.redirect_url must be a URL"},
-      {"POST", "/v2/pay/account", linking(phone), text, 400, "header X-Source must be mobile-ios"},
-      {"POST", "/v2/pay/account", linking(phone), text, 400,
-       "header Content-Type must be application/json"},
-      {"GET", "/v2/pay/account/a", "", {}, 400, "header X-Mobile-Platform must be ios"},
-      {"POST", "/v2/charge", R"({"transaction_details":{"gross_amount":-1}})", MerchantHeaders, 400,
-       "transaction_details.gross_amount must be positive"},
-      {"POST", "/v2/charge", R"({"transaction_details":{"currency":"XXX"}})", MerchantHeaders, 400,
-       "transaction_details.currency must be EUR"},
-      {"GET", "/v2/pay/account/a", "", MerchantHeaders, 404, "Account doesn't exist."},
-      {"POST", "/v2/pay/account/a/unbind", "", MerchantHeaders, 404, "Account doesn't exist."},
-      {"GET", "/v2/pay/account/a/b", "", MerchantHeaders, 404, "nothing at this address"},
-      {"DELETE", "/v2/charge", "", MerchantHeaders, 405, "other methods"},
-  };
-  for (const auto& [method, target, body, headers, status, told] : cases) {
-    const auto response = client.call(method, target, body, headers);
+  const ZLVSandboxHeaders text = {{"X-Source", "web"}, {"Content-Type", "text/plain"}};
+  const std::tuple<SandboxClient::Response, unsigned, const char*> cases[] = {
+      {post("{"), 400, "the body must be a JSON object"},
+      {post("[]"), 400, "the body must be a JSON object"},
+      {post(linking("", 5550123)), 400, "zolva_partner.phone_number must be a text"},
+      {post(linking("a b")), 400, "zolva_partner.redirect_url must be a URL"},
+      {post(linking("s:\r\nX: 1")), 400, "zolva_partner.redirect_url must be a URL"},
+      {call("POST", AccountPath, text), 400, "header X-Source must be mobile-ios"},
+      {call("POST", AccountPath, text), 400, "header Content-Type must be application/json"},
+      {call("GET", "/v2/pay/account/a", text), 400, "header X-Mobile-Platform must be ios"},
+      {charge("o", -1), 400, "transaction_details.gross_amount must be positive"},
+      {charge("o", 1, 1, "XXX"), 400, "transaction_details.currency must be EUR"},
+      {charge("o", 1, 2), 400, "item_details"},
+      {call("GET", "/v2/pay/account/a"), 404, "Account doesn't exist."},
+      {call("POST", "/v2/pay/account/a/unbind"), 404, "Account doesn't exist."},
+      {call("GET", "/v2/pay/account/a/b"), 404, "nothing at this address"},
+      {call("GET", "/wallet/activate/none"), 404, ""},
+      {call("DELETE", "/v2/charge"), 405, "other methods"}};
+  for (const auto& [response, status, told] : cases) {
     EXPECT_EQ(response.result_int(), status) << told;
-    EXPECT_EQ(textAt(response, "/status_code"), std::to_string(status));
     EXPECT_NE(response.body().find(told), std::string::npos) << response.body();
   }
 }
@@ -225,12 +211,10 @@ TEST_F(Journey, TheCollectorKeepsRecordsAndTheirHeaders) {
   ASSERT_TRUE(sandbox.waitForEvents(2, std::chrono::milliseconds(0)));
   const auto events = sandbox.events();
   EXPECT_EQ(events[0].name, "E");
+  EXPECT_EQ(events[0].headers[2], headers[2]);
   EXPECT_EQ(events[1].type, "profile");
   EXPECT_EQ(events[1].identity, "M");
   EXPECT_EQ(json::parse(events[1].record).at("profileData").at("name"), "M");
-  EXPECT_EQ(std::ranges::count(events[0].headers,
-                               std::pair<std::string, std::string>("X-CleverTap-Passcode", "pass")),
-            1);
 }
 
 }  // namespace

@@ -1,5 +1,4 @@
-#include <atomic>
-#include <thread>
+#include <tuple>
 
 #include <gtest/gtest.h>
 
@@ -22,37 +21,23 @@ auto ask(const ZLVSandbox& sandbox) {
   return client.receive();
 }
 
-std::string bodyOf(const std::string& answer) { return answer.substr(answer.find("\r\n\r\n") + 4); }
-
 TEST(Misbehaviour, AnswersAreReplacedCutAndFilledUp) {
-  struct Case {
-    ZLVMisbehaviour misbehaviour;
-    std::string beginning, header, body;
-  };
-  const std::vector<Case> cases = {
-      {{.status = 503, .body = "<html>"}, "HTTP/1.1 503 Service Unavailable\r\n", "", "<html>"},
-      {{.body = "{\"a\":"}, "HTTP/1.1 200 OK\r\n", "Content-Length: 5\r\n", "{\"a\":"},
-      {{.body = "12345678", .bodySize = 3}, "HTTP/1.1 200", "Content-Length: 3\r\n", "123"},
-      {{.body = "{}", .bodySize = 6}, "HTTP/1.1 200", "Content-Length: 6\r\n", "{}    "},
-      {{.body = "{}", .headers = {{"content-length", "9"}}}, "HTTP", "content-length: 9\r\n", "{}"},
-      {{.status = 302, .body = "", .headers = {{"Location", "/y"}}},
-       "HTTP/1.1 302",
-       "Location: /y\r\n",
-       ""},
-      {{.status = 204}, "HTTP/1.1 204", "Connection: close\r\n", ""},
+  const std::tuple<ZLVMisbehaviour, const char*, const char*> cases[] = {
+      {{.status = 503, .body = "<html>"}, "HTTP/1.1 503 Service Unavailable\r\n", "\r\n\r\n<html>"},
+      {{.body = "12345678", .bodySize = 3}, "Content-Length: 3\r\n", "\r\n\r\n123"},
+      {{.body = "{}", .bodySize = 6}, "Content-Length: 6\r\n", "\r\n\r\n{}    "},
+      {{.body = "{}", .headers = {{"content-length", "9"}}}, "content-length: 9\r\n", "\r\n\r\n{}"},
+      {{.status = 204}, "HTTP/1.1 204", "\r\n\r\n"},
       {{.body = "slowly", .trickle = ZLVSandboxTrickle{2, std::chrono::milliseconds(1)}},
-       "HTTP/1.1 200",
        "Content-Length: 6\r\n",
-       "slowly"},
-  };
+       "\r\n\r\nslowly"}};
   ZLVSandbox sandbox;
-  for (const auto& [misbehaviour, beginning, header, body] : cases) {
+  for (const auto& [misbehaviour, header, end] : cases) {
     sandbox.misbehave({}, misbehaviour);
-    const auto [answer, end] = ask(sandbox);
-    EXPECT_EQ(end, boost::asio::error::eof);
-    EXPECT_TRUE(answer.starts_with(beginning)) << answer;
+    const auto [answer, error] = ask(sandbox);
+    EXPECT_EQ(error, boost::asio::error::eof);
     EXPECT_NE(answer.find(header), std::string::npos) << answer;
-    EXPECT_EQ(bodyOf(answer), body);
+    EXPECT_TRUE(answer.ends_with(end)) << answer;
   }
 }
 
@@ -87,7 +72,7 @@ TEST(Misbehaviour, AHugeBodyIsValidJSON) {
   const auto huge = client.call("GET", "/x");
   EXPECT_EQ(huge.body().size(), size);
   EXPECT_EQ(textAt(huge, "/status_code"), "404");
-  EXPECT_EQ(client.call("GET", "/x").body().size() < size, true);
+  EXPECT_LT(client.call("GET", "/x").body().size(), size);
 }
 
 TEST(Misbehaviour, ARequestTakesEffectThoughItsAnswerIsLost) {
@@ -95,30 +80,25 @@ TEST(Misbehaviour, ARequestTakesEffectThoughItsAnswerIsLost) {
   SandboxClient client(sandbox);
   const std::string body =
       R"({"payment_type":"zolva","zolva_partner":{"phone_number":"5550123","country_code":"1"}})";
-  client.call("GET", "/x");
   sandbox.misbehave({.method = "POST", .pathPrefix = "/v2/"},
                     {.interruption = std::pair(Break::Close, Point::BeforeHeader)});
   client.call("GET", "/v2/pay/account/a");
   EXPECT_ANY_THROW(client.call("POST", "/v2/pay/account", body));
 
-  const auto requests = sandbox.requests();
-  ASSERT_EQ(requests.size(), 3U);
-  EXPECT_EQ(requests[2].connection, 1U);
-  EXPECT_EQ(requests[2].body, body);
-  EXPECT_EQ(requests[2].headers[0], MerchantHeaders[0]);
-  EXPECT_EQ(requests[2].header("x-source"), "mobile-ios");
+  const auto request = sandbox.requests().at(1);
+  EXPECT_EQ(request.connection, 1U);
+  EXPECT_EQ(request.body, body);
+  EXPECT_EQ(request.header("x-source"), "mobile-ios");
   const auto overview = SandboxClient(sandbox).call("GET", "/").body();
   EXPECT_NE(overview.find("+1 5550123"), std::string::npos);
 }
 
 TEST(Misbehaviour, StoppingEndsWhateverIsHeldUp) {
-  const ZLVMisbehaviour heldUp[] = {
-      {.body = "0123456789", .interruption = std::pair(Break::Stall, Point::BeforeHeader)},
-      {.body = "0123456789", .interruption = std::pair(Break::Stall, Point::InBody)},
-      {.body = "0123456789", .delay = Forever},
-      {.body = "0123456789", .trickle = ZLVSandboxTrickle{1, Forever}},
-      {.body = "0123456789", .bodySize = std::uint64_t{1} << 40U},
-  };
+  const ZLVMisbehaviour heldUp[] = {{.interruption = std::pair(Break::Stall, Point::BeforeHeader)},
+                                    {.interruption = std::pair(Break::Stall, Point::InBody)},
+                                    {.delay = Forever},
+                                    {.trickle = ZLVSandboxTrickle{1, Forever}},
+                                    {.bodySize = std::uint64_t{1} << 40U}};
   for (const auto& misbehaviour : heldUp) {
     ZLVSandbox sandbox;
     SandboxClient idle(sandbox);
@@ -127,7 +107,7 @@ TEST(Misbehaviour, StoppingEndsWhateverIsHeldUp) {
     client.send(Request);
     ASSERT_TRUE(sandbox.waitForRequests(1, Patience));
     sandbox.stop();
-    EXPECT_FALSE(client.receive().first.ends_with("9"));
+    EXPECT_FALSE(client.receive().first.ends_with("}"));
     EXPECT_TRUE(idle.receive().first.empty());
     EXPECT_ANY_THROW(SandboxClient{sandbox});
     EXPECT_EQ(sandbox.requests().size(), 1U);
@@ -155,7 +135,6 @@ TEST(Misbehaviour, CanBePlannedOverHTTP) {
   }
   EXPECT_EQ(client.call("GET", "/x").result_int(), 404U);
   EXPECT_ANY_THROW(client.call("GET", "/y"));
-  EXPECT_EQ(sandbox.requests().size(), 5U);
 
   SandboxClient another(sandbox);
   for (const auto& [settings, told] : {std::pair{R"({"colour":1})", "unknown setting \"colour\""},
@@ -168,28 +147,9 @@ TEST(Misbehaviour, CanBePlannedOverHTTP) {
   }
 }
 
-TEST(Misbehaviour, IsChosenForEachOfManyRequestsAtOnce) {
-  constexpr std::size_t callers = 16;
-  constexpr std::size_t calls = 40;
-  std::atomic<std::size_t> observed = 0;
-  ZLVSandbox sandbox({.observer = [&](const auto&, unsigned) { ++observed; }});
-  sandbox.misbehave([](const ZLVSandboxRequest& request) {
-    if (request.target == "/throws") throw std::runtime_error("no choice");
-    return request.target == "/proper" ? ZLVMisbehaviour() : ZLVMisbehaviour{.status = 418};
-  });
-  std::vector<std::jthread> threads;
-  for (std::size_t caller = 0; caller < callers; ++caller) {
-    threads.emplace_back([&] {
-      for (std::size_t call = 0; call < calls; ++call) {
-        SandboxClient client(sandbox);
-        EXPECT_EQ(client.call("GET", "/proper").result_int(), 404U);
-        EXPECT_EQ(client.call("GET", "/odd").result_int(), 418U);
-      }
-    });
-  }
-  EXPECT_TRUE(sandbox.waitForRequests(callers * calls * 2, Patience));
-  threads.clear();
-  EXPECT_EQ(observed, callers * calls * 2);
+TEST(Misbehaviour, WhatMakesNoSenseIsAnswered) {
+  ZLVSandbox sandbox;
+  sandbox.misbehave([](const auto&) -> ZLVMisbehaviour { throw std::runtime_error("no choice"); });
   EXPECT_EQ(SandboxClient(sandbox).call("GET", "/throws").result_int(), 500U);
   SandboxClient stranger(sandbox);
   stranger.send("what?\r\n\r\n");
