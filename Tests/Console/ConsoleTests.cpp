@@ -42,6 +42,7 @@ class Console : public testing::Test {
     }
     return targets;
   }
+
   ZLVSandbox sandbox;
 };
 

@@ -122,9 +122,9 @@ std::unique_ptr<ZLVURLSession> makeSession() {
 
 bool leavesCookies(std::string_view text) {
   constexpr std::string_view name = "set-cookie";
-  return !std::ranges::search(text, name, {}, [](unsigned char c) {
-            return std::tolower(c);
-          }).empty();
+  return std::search(text.begin(), text.end(), name.begin(), name.end(),
+                     [](unsigned char c, char wanted) { return std::tolower(c) == wanted; }) !=
+         text.end();
 }
 
 void check(const ZLVURLAnswer& answer) {

@@ -64,17 +64,6 @@ TEST(Misbehaviour, AnswersBreakOffWhereTheyAreToldTo) {
   }
 }
 
-TEST(Misbehaviour, AHugeBodyIsValidJSON) {
-  constexpr std::size_t size = 16U << 20U;
-  ZLVSandbox sandbox;
-  SandboxClient client(sandbox);
-  sandbox.misbehave({}, {.bodySize = size});
-  const auto huge = client.call("GET", "/x");
-  EXPECT_EQ(huge.body().size(), size);
-  EXPECT_EQ(textAt(huge, "/status_code"), "404");
-  EXPECT_LT(client.call("GET", "/x").body().size(), size);
-}
-
 TEST(Misbehaviour, ARequestTakesEffectThoughItsAnswerIsLost) {
   ZLVSandbox sandbox;
   SandboxClient client(sandbox);

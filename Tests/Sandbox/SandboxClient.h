@@ -35,10 +35,9 @@ class SandboxClient {
     request.body() = std::move(body);
     request.prepare_payload();
     http::write(socket_, request);
-    http::response_parser<http::string_body> parser;
-    parser.body_limit(boost::none);
-    http::read(socket_, buffer_, parser);
-    return parser.release();
+    Response response;
+    http::read(socket_, buffer_, response);
+    return response;
   }
 
   void send(std::string_view text) {
