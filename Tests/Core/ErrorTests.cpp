@@ -3,37 +3,81 @@
 #include <ZolvaCheckoutKit/ZLVError.h>
 
 TEST(Error, SaysWhetherTheRequestMayHaveTakenEffect) {
-  const std::tuple<std::string_view, std::int64_t, bool> cases[] = {
-      {ZLVErrorDomain, 400, false},
-      {ZLVErrorDomain, 499, false},
-      {ZLVErrorDomain, 500, true},
-      {ZLVErrorDomain, 302, true},
-      {ZLVErrorDomain, 0, true},
-      {ZLVCheckoutErrorDomain, -1, true},
-      {NSCocoaErrorDomain, NSPropertyListReadCorruptError, true},
-      {"a session's own", 404, true},
-      {NSURLErrorDomain, NSURLErrorCancelled, true},
-      {NSURLErrorDomain, NSURLErrorTimedOut, true},
-      {NSURLErrorDomain, NSURLErrorNetworkConnectionLost, true},
-      {NSURLErrorDomain, NSURLErrorSecureConnectionFailed, true},
-      {NSURLErrorDomain, NSURLErrorDataLengthExceedsMaximum, true},
-      {NSURLErrorDomain, NSURLErrorBadURL, false},
-      {NSURLErrorDomain, NSURLErrorUnsupportedURL, false},
-      {NSURLErrorDomain, NSURLErrorCannotFindHost, false},
-      {NSURLErrorDomain, NSURLErrorCannotConnectToHost, false},
-      {NSURLErrorDomain, NSURLErrorNotConnectedToInternet, false},
-      {NSURLErrorDomain, NSURLErrorAppTransportSecurityRequiresSecureConnection, false},
-      {NSURLErrorDomain, NSURLErrorServerCertificateHasBadDate, false},
-      {NSURLErrorDomain, NSURLErrorServerCertificateUntrusted, false},
-      {NSURLErrorDomain, NSURLErrorServerCertificateHasUnknownRoot, false},
-      {NSURLErrorDomain, NSURLErrorServerCertificateNotYetValid, false},
+  const std::tuple<std::string_view, bool, std::vector<std::int64_t>> cases[] = {
+      {ZLVErrorDomain, false, {400, 499}},
+      {ZLVErrorDomain, true, {500, 302, 0}},
+      {ZLVCheckoutErrorDomain, true, {-1}},
+      {NSCocoaErrorDomain, true, {NSPropertyListReadCorruptError}},
+      {"a session's own", true, {404}},
+      {NSURLErrorDomain,
+       true,
+       {NSURLErrorCancelled, NSURLErrorTimedOut, NSURLErrorNetworkConnectionLost,
+        NSURLErrorSecureConnectionFailed, NSURLErrorDataLengthExceedsMaximum}},
+      {NSURLErrorDomain,
+       false,
+       {NSURLErrorBadURL, NSURLErrorUnsupportedURL, NSURLErrorCannotFindHost,
+        NSURLErrorCannotConnectToHost, NSURLErrorNotConnectedToInternet,
+        NSURLErrorAppTransportSecurityRequiresSecureConnection,
+        NSURLErrorServerCertificateHasBadDate, NSURLErrorServerCertificateUntrusted,
+        NSURLErrorServerCertificateHasUnknownRoot, NSURLErrorServerCertificateNotYetValid}}};
+  for (const auto& [domain, mayHave, codes] : cases) {
+    for (const auto code : codes) {
+      const auto error = ZLVError::errorWithDomain(domain, code, {});
+      EXPECT_EQ(error.requestMayHaveTakenEffect(), mayHave) << error.debugDescription();
+      // On a later hop of a redirect.
+      const auto later =
+          ZLVError::errorWithDomain(domain, code, {{std::string(ZLVErrorRequestWasSentKey), true}});
+      EXPECT_EQ(later.requestMayHaveTakenEffect(), mayHave || domain == NSURLErrorDomain);
+    }
+  }
+}
+
+TEST(Error, Descriptions) {
+  const auto checkout =
+      ZLVError::errorWithDomain(ZLVCheckoutErrorDomain, -1, {{"Error message", "url is null"}});
+  EXPECT_NE(checkout.localizedDescription().find("com.zolva.checkoutkit.checkout error -1"),
+            std::string::npos);
+  const auto server =
+      ZLVError::errorWithDomain(ZLVErrorDomain, 406,
+                                {{std::string(NSLocalizedDescriptionKey), "too\nlong,\r caf\xE9"},
+                                 {std::string(NSLocalizedFailureReasonErrorKey), ZLVNull}});
+  EXPECT_EQ(server.localizedFailureReason(), "<null>");
+  EXPECT_EQ(server.debugDescription(),
+            "Error Domain=com.zolva.checkoutkit Code=406 \"too\\nlong,\\r caf\uFFFD\" UserInfo="
+            R"({"NSLocalizedDescription":"too\nlong,\r caf)"
+            "\uFFFD\",\"NSLocalizedFailureReason\":null}");
+}
+
+TEST(Error, DiagnosisIsShortAndKeepsSecrets) {
+  const auto diagnosis = [](std::string_view key, const ZLVValue& value) {
+    const auto error = ZLVError::errorWithDomain(ZLVErrorDomain, 1, {{std::string(key), value}});
+    EXPECT_EQ(error.userInfo()[key], value);
+    return error.debugDescription();
   };
-  for (const auto& [domain, code, mayHave] : cases) {
-    const auto error = ZLVError::errorWithDomain(domain, code, {});
-    EXPECT_EQ(error.requestMayHaveTakenEffect(), mayHave) << error.debugDescription();
-    // On a later hop of a redirect.
-    const auto later =
-        ZLVError::errorWithDomain(domain, code, {{std::string(ZLVErrorRequestWasSentKey), true}});
-    EXPECT_EQ(later.requestMayHaveTakenEffect(), mayHave || domain == NSURLErrorDomain);
+  // Cut at each of the three bytes of a character.
+  for (std::string message : {"", "1", "12"}) {
+    const auto start = message + "\u20ac";
+    while (message.size() < 1'000'000) message += "\u20ac";
+    for (const auto key : {NSLocalizedDescriptionKey, NSLocalizedFailureReasonErrorKey}) {
+      const auto text = diagnosis(key, message);
+      EXPECT_TRUE(text.size() > 4090 && text.size() <= 4096) << text.size();
+      ASSERT_TRUE(text.ends_with("\u20ac\u2026 (cut)"));
+      const auto shown = text.substr(text.find(start));
+      EXPECT_TRUE(message.starts_with(shown.substr(0, shown.find("\u2026"))));
+    }
+  }
+  const auto longest = std::string(4096 - diagnosis("k", "").size(), 'x');
+  EXPECT_TRUE(diagnosis("k", longest).ends_with("xx\"}"));
+  EXPECT_TRUE(diagnosis("k", longest + "x").ends_with("xx\u2026 (cut)"));
+
+  const std::pair<const char*, const char*> urls[] = {
+      {"https://me:p@ss@shop.test:1/a@b?token=/c#d", "\"https://shop.test:1/a@b\""},
+      {"https://me@shop.test?token", "\"https://shop.test\""},
+      {"https://shop.test#token", "\"https://shop.test\""},
+      {"app://done?token", "\"app://done\""},
+      {"mailto:a@b.c?body", "\"mailto:a@b.c\""}};
+  for (const auto& [url, shown] : urls) {
+    const auto text = diagnosis(NSURLErrorFailingURLStringErrorKey, url);
+    EXPECT_NE(text.find(shown), std::string::npos) << text;
   }
 }

@@ -10,14 +10,12 @@ namespace {
 using Headers = std::vector<std::pair<std::string, std::string>>;
 
 std::shared_ptr<ZLVNetworkService> service(ZLVHTTPMethod method, ZLVValue parameters = {},
-                                           std::uint64_t type = ZLVServiceTypeMerchant,
+                                           int type = ZLVServiceTypeMerchant,
                                            std::string path = "/v2/x") {
   return ZLVNetworkService::initWithBaseURL("https://shop.test/", std::move(path), method,
                                             std::move(parameters),
                                             static_cast<ZLVServiceType>(type));
 }
-
-std::string url(const ZLVURLRequest& request) { return request.URL->absoluteString(); }
 
 class Network : public testing::Test {
  protected:
@@ -38,8 +36,7 @@ class Network : public testing::Test {
     return outcomes.empty() ? "" : outcomes.front();
   }
   std::string outcome(int status, const std::string& body) {
-    return outcome(service(ZLVHTTPMethodGet),
-                   [&](FakeSession::Task& task) { task.answer(status, body); });
+    return outcome(service(ZLVHTTPMethodGet), [&](FakeTask& task) { task.answer(status, body); });
   }
 
   FakePlatform platform;
@@ -78,36 +75,25 @@ TEST(RequestBuilder, MethodsBodiesAndHeaders) {
   const Headers analytics{{"Content-Type", "application/json; charset=utf-8"},
                           {"X-CleverTap-Account-Id", "T48-213-K06W"},
                           {"X-CleverTap-Passcode", "QWB-LNA-RJTH"}};
-  struct Case {
-    ZLVHTTPMethod method{};
-    ZLVValue parameters;
-    std::uint64_t type = 0;
-    const char* sentMethod = nullptr;
-    const char* sentURL = nullptr;
-    std::optional<std::string> body;
-    const Headers& headers;
-  };
-  const auto* address = "https://shop.test/v2/x";
-  const Case cases[] = {
-      {ZLVHTTPMethodGet, {}, 0, "GET", address, {}, plain},
-      {ZLVHTTPMethodGet, parameters, 0, "GET", "https://shop.test/v2/x?a[]=1", {}, plain},
-      {ZLVHTTPMethodGet, ZLVDictionary{}, 0, "GET", "https://shop.test/v2/x?", {}, plain},
-      {ZLVHTTPMethodPost, parameters, 0, "POST", address, R"({"a":[1]})", json},
-      {ZLVHTTPMethodPost, {}, 0, "POST", address, {}, json},
-      {ZLVHTTPMethodPost, latin1, 0, "POST", address, "{\"n\":\"Andr\uFFFD\"}", json},
-      {ZLVHTTPMethodPost, unwritable, 0, "POST", address, {}, json},
-      {ZLVHTTPMethodDelete, parameters, 2, "DELETE", address, R"({"a":[1]})", json},
-      {seven, {}, 0, "DELETE", address, {}, json},
-      {ZLVHTTPMethodGet, {}, 1, "GET", address, {}, analytics},
-      {ZLVHTTPMethodPost, parameters, 1, "POST", address, R"({"a":[1]})", analytics},
-  };
-  for (const auto& expected : cases) {
-    const auto request = ZLVRequestBuilder::buildRequestFrom(
-        *service(expected.method, expected.parameters, expected.type));
-    EXPECT_EQ(request.HTTPMethod, expected.sentMethod);
-    EXPECT_EQ(url(request), expected.sentURL);
-    EXPECT_EQ(request.HTTPBody, expected.body);
-    EXPECT_EQ(request.allHTTPHeaderFields, expected.headers);
+  using Body = std::optional<std::string>;
+  const std::tuple<ZLVHTTPMethod, ZLVValue, int, const char*, std::string, Body, const Headers&>
+      cases[] = {{ZLVHTTPMethodGet, {}, 0, "GET", "", {}, plain},
+                 {ZLVHTTPMethodGet, parameters, 0, "GET", "?a[]=1", {}, plain},
+                 {ZLVHTTPMethodGet, ZLVDictionary{}, 0, "GET", "?", {}, plain},
+                 {ZLVHTTPMethodPost, parameters, 0, "POST", "", R"({"a":[1]})", json},
+                 {ZLVHTTPMethodPost, {}, 0, "POST", "", {}, json},
+                 {ZLVHTTPMethodPost, latin1, 0, "POST", "", "{\"n\":\"Andr\uFFFD\"}", json},
+                 {ZLVHTTPMethodPost, unwritable, 0, "POST", "", {}, json},
+                 {ZLVHTTPMethodDelete, parameters, 2, "DELETE", "", R"({"a":[1]})", json},
+                 {seven, {}, 0, "DELETE", "", {}, json},
+                 {ZLVHTTPMethodGet, {}, 1, "GET", "", {}, analytics},
+                 {ZLVHTTPMethodPost, parameters, 1, "POST", "", R"({"a":[1]})", analytics}};
+  for (const auto& [method, sent, type, name, query, body, headers] : cases) {
+    const auto request = ZLVRequestBuilder::buildRequestFrom(*service(method, sent, type));
+    EXPECT_EQ(request.HTTPMethod, name);
+    EXPECT_EQ(request.URL->absoluteString(), "https://shop.test/v2/x" + query);
+    EXPECT_EQ(request.HTTPBody, body);
+    EXPECT_EQ(request.allHTTPHeaderFields, headers);
     EXPECT_EQ(request.timeoutInterval, 10000.0);
     EXPECT_EQ(request.cachePolicy, ZLVURLRequestCachePolicy::UseProtocolCachePolicy);
   }
@@ -115,12 +101,7 @@ TEST(RequestBuilder, MethodsBodiesAndHeaders) {
 
 TEST_F(Network, JudgesAnswers) {
   const auto notAnObject = ZLVJSONSerialization::notAnObjectError().debugDescription();
-  struct Case {
-    int status;
-    const char* body;
-    std::string outcome;
-  };
-  const Case cases[] = {
+  const std::tuple<int, const char*, std::string> cases[] = {
       {200, R"({"a":1})", R"({"a":1})"},
       {299, "{}", "{}"},
       {199, "{}", failure(199, "Request failed.")},
@@ -139,31 +120,27 @@ TEST_F(Network, JudgesAnswers) {
       {400, R"({"validation_messages":null})", failure(400, "Request failed.", ZLVNull)},
       {404, "[1]", "[1]"},
       {200, "\"text\"", notAnObject},
-      {500, "null", notAnObject},
-  };
+      {500, "null", notAnObject}};
   for (const auto& [status, body, expected] : cases) {
     EXPECT_EQ(outcome(status, body), expected) << status << " " << body;
   }
-  for (const auto* body : {"", "<html>Bad gateway</html>"}) {
-    EXPECT_NE(outcome(502, body).find("NSCocoaErrorDomain Code=3840"), std::string::npos) << body;
-  }
-}
-
-TEST_F(Network, RefusesWhatTakesTooMuchMemory) {
-  std::string arrays = "[[]";
-  while (arrays.size() < 2'000'000) arrays += ",[]";
-  EXPECT_NE(outcome(200, arrays + "]").find("NSURLErrorDomain Code=-1103"), std::string::npos);
+  EXPECT_NE(outcome(502, "<html>").find("NSCocoaErrorDomain Code=3840"), std::string::npos);
+  std::string tooMuch = "[[]";
+  while (tooMuch.size() < 2'000'000) tooMuch += ",[]";
+  EXPECT_NE(outcome(200, tooMuch).find("NSURLErrorDomain Code=-1103"), std::string::npos);
 }
 
 TEST_F(Network, AnswersOnceWhateverTheSessionDoes) {
   const auto lost =
       ZLVError::errorWithDomain(NSURLErrorDomain, NSURLErrorNetworkConnectionLost, {});
-  EXPECT_EQ(outcome(service(ZLVHTTPMethodGet), [&](FakeSession::Task& task) { task.fail(lost); }),
-            lost.debugDescription());
+  const auto lose = [&](FakeTask& task) {
+    std::move(task.handler)({.data = {}, .statusCode = 0, .error = lost});
+  };
+  EXPECT_EQ(outcome(service(ZLVHTTPMethodGet), lose), lost.debugDescription());
 
   // There is nothing to send.
   platform.session.merchant.clear();
-  const auto badURL = outcome(service(ZLVHTTPMethodGet, {}, 0, "/a b"), [](FakeSession::Task&) {});
+  const auto badURL = outcome(service(ZLVHTTPMethodGet, {}, 0, "/a b"), [](FakeTask&) {});
   EXPECT_NE(badURL.find("NSURLErrorDomain Code=-1000"), std::string::npos) << badURL;
   EXPECT_TRUE(platform.session.merchant.empty());
 
@@ -178,58 +155,47 @@ TEST_F(Network, AnswersOnceWhateverTheSessionDoes) {
 }
 
 TEST_F(Network, LogsMerchantCallsOnly) {
-  const auto answer = [](FakeSession::Task& task) { task.answer(200, "{\"a\":\n1}"); };
-  // What counts is the flag when the answer comes.
-  for (const bool isEnabled : {true, false}) {
-    ZLVVendor::shared().setIsLoggingEnabled(!isEnabled);
-    outcome(service(ZLVHTTPMethodGet), [&](FakeSession::Task& task) {
-      ZLVVendor::shared().setIsLoggingEnabled(isEnabled);
-      answer(task);
-    });
-    EXPECT_EQ(std::exchange(platform.log->lines, {}).size(), isEnabled ? 2U : 0U);
-  }
-
-  ZLVVendor::shared().setIsLoggingEnabled(true);
-  for (const auto unlogged : {1U, 2U}) {
+  const auto takeLines = [&] { return std::exchange(platform.log->lines, {}); };
+  const auto answer = [](FakeTask& task) { task.answer(200, "{\"a\":\n1}"); };
+  for (const auto unlogged : {1, 2}) {
+    ZLVVendor::shared().setIsLoggingEnabled(true);
     outcome(service(ZLVHTTPMethodPost, ZLVDictionary{}, unlogged), answer);
+    EXPECT_TRUE(takeLines().empty());
   }
-  EXPECT_TRUE(platform.log->lines.empty());
 
-  outcome(service(ZLVHTTPMethodPost, ZLVDictionary{{"k", "v\xE9"}}), answer);
+  // What counts is the flag when the answer comes, and what is logged is what was sent.
+  const auto changing = service(ZLVHTTPMethodPost, ZLVDictionary{{"k", "v\xE9"}});
+  outcome(changing, [&](FakeTask& task) {
+    ZLVVendor::shared().setIsLoggingEnabled(false);
+    answer(task);
+  });
+  EXPECT_TRUE(takeLines().empty());
+  outcome(changing, [&](FakeTask& task) {
+    ZLVVendor::shared().setIsLoggingEnabled(true);
+    changing->setServiceType(ZLVServiceTypeAnalytics);
+    changing->setParameters(ZLVDictionary{{"d", ZLVDictionary{}}});
+    changing->setMethod(ZLVHTTPMethodGet);
+    answer(task);
+  });
   EXPECT_EQ(
-      platform.log->lines,
+      takeLines(),
       (std::vector<std::string>{
           "A @POST request to : https://shop.test/v2/x request header: "
           R"({"Content-Type":"application/json","X-Mobile-Platform":"ios","X-Source":"mobile-ios"})",
           "request body : {\"k\":\"v\uFFFD\"}", R"(response : {"a":\n1})"}));
 
-  platform.log->lines.clear();
   outcome(200, "\xff");
-  ASSERT_EQ(platform.log->lines.size(), 2U);
-  EXPECT_EQ(platform.log->lines.back(), "response : (null)");
-
-  // What is logged is what was sent, and whether it is logged shows when the answer is there.
-  const auto changing = service(ZLVHTTPMethodPost);
-  outcome(changing, [&](FakeSession::Task& task) {
-    platform.log->lines.clear();
-    changing->setServiceType(ZLVServiceTypeAnalytics);
-    changing->setParameters(ZLVDictionary{{"d", ZLVDictionary{}}});
-    changing->setMethod(ZLVHTTPMethodGet);
-    task.answer(200, "{}");
-  });
-  ASSERT_EQ(platform.log->lines.size(), 2U);
-  EXPECT_TRUE(platform.log->lines[0].starts_with("A @POST request to : https://shop.test/v2/x "));
+  EXPECT_EQ(takeLines().at(1), "response : (null)");
 
   // A URL that does not parse is answered later as well.
-  platform.log->lines.clear();
   platform.session.merchant.clear();
   ZLVVendor::shared().setIsLoggingEnabled(false);
   network.request(service(ZLVHTTPMethodPost, ZLVDictionary{}, 0, "/a b"), {});
   ZLVVendor::shared().setIsLoggingEnabled(true);
-  EXPECT_TRUE(platform.log->lines.empty());
+  EXPECT_TRUE(takeLines().empty());
   platform.queue->drain();
-  ASSERT_EQ(platform.log->lines.size(), 3U);
-  EXPECT_TRUE(platform.log->lines[0].starts_with("A @POST request to : (null) request header: "));
-  EXPECT_TRUE(
-      platform.log->lines[2].starts_with("error : Error Domain=NSURLErrorDomain Code=-1000"));
+  const auto lines = takeLines();
+  ASSERT_EQ(lines.size(), 3U);
+  EXPECT_TRUE(lines[0].starts_with("A @POST request to : (null) request header: "));
+  EXPECT_TRUE(lines[2].starts_with("error : Error Domain=NSURLErrorDomain Code=-1000"));
 }

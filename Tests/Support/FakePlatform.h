@@ -4,8 +4,6 @@
 // session answers what the test says, the browser only remembers what it was asked.
 
 #include <deque>
-#include <map>
-#include <memory>
 #include <string>
 #include <utility>
 #include <vector>
@@ -14,20 +12,16 @@
 
 #include "ZolvaCheckoutKit/Core/Helpers/ZLVJSONSerialization.h"
 
-class FakeMainQueue : public ZLVMainQueue {
- public:
-  void dispatch(ZLVOnce<void()> block) override { blocks_.push_back(std::move(block)); }
+struct FakeMainQueue : ZLVMainQueue {
+  void dispatch(ZLVOnce<void()> block) override { blocks.push_back(std::move(block)); }
   void drain() {
-    while (!blocks_.empty()) {
-      auto block = std::move(blocks_.front());
-      blocks_.pop_front();
+    while (!blocks.empty()) {
+      auto block = std::move(blocks.front());
+      blocks.pop_front();
       std::move(block)();
     }
   }
-  [[nodiscard]] std::size_t size() const { return blocks_.size(); }
-
- private:
-  std::deque<ZLVOnce<void()>> blocks_;
+  std::deque<ZLVOnce<void()>> blocks;
 };
 
 struct FakeLog : ZLVSystemLog {
@@ -36,14 +30,13 @@ struct FakeLog : ZLVSystemLog {
 };
 
 struct FakeDevice : ZLVDevice {
-  std::optional<std::string> identifier = "3B1F9C52-0A11-4C4A-9C3C-2F6B0B9D7E10";
   std::optional<ZLVSize> screen = ZLVSize{390, 844};
   std::optional<std::string> version = "2.5", model = "model9,9", deviceName = "Ad\xE9's phone",
                              system = "17.0";
   std::vector<std::string> localizations, languages;
   std::optional<Threads> usage = Threads{};
 
-  std::optional<std::string> identifierForVendor() const override { return identifier; }
+  std::optional<std::string> identifierForVendor() const override { return std::nullopt; }
   std::optional<ZLVSize> mainScreenSize() const override { return screen; }
   std::optional<std::string> bundleDisplayName() const override { return "Corner Coffee"; }
   std::optional<std::string> bundleShortVersion() const override { return version; }
@@ -87,42 +80,36 @@ struct FakeUserInterface : ZLVUserInterface {
   Journal journal;
 };
 
-/// Keeps what it is asked to send; the test answers it.
-struct FakeSession {
-  struct Task {
-    ZLVURLRequest request;
-    ZLVURLSession::CompletionHandler handler;
+/// What the session was asked to send; the test answers it.
+struct FakeTask {
+  ZLVURLRequest request;
+  ZLVURLSession::CompletionHandler handler;
 
-    void answer(int status, std::string body) {
-      std::move(handler)({.data = std::move(body), .statusCode = status, .error = {}});
-    }
-    void fail(ZLVError error) {
-      std::move(handler)({.data = {}, .statusCode = 0, .error = std::move(error)});
-    }
-  };
-  std::vector<Task> merchant;   // to the merchant server
-  std::vector<Task> analytics;  // to the analytics service
+  void answer(int status, std::string body) {
+    std::move(handler)({.data = std::move(body), .statusCode = status, .error = {}});
+  }
+};
+struct FakeSession {
+  std::vector<FakeTask> merchant;   // to the merchant server
+  std::vector<FakeTask> analytics;  // to the analytics service
 };
 
 /// The fakes as the one installed platform of the process.
 struct FakePlatform {
-  static constexpr const char* analyticsRoot = "https://analytics.test/";
-
   std::shared_ptr<FakeMainQueue> queue = std::make_shared<FakeMainQueue>();
   std::shared_ptr<FakeLog> log = std::make_shared<FakeLog>();
   std::shared_ptr<FakeDevice> device = std::make_shared<FakeDevice>();
   std::shared_ptr<FakeUserInterface> ui = std::make_shared<FakeUserInterface>();
   FakeSession session;
 
-  explicit FakePlatform(std::optional<std::string> root = analyticsRoot) {
+  explicit FakePlatform(std::optional<std::string> root = "https://analytics.test/") {
     struct Session : ZLVURLSession {
       explicit Session(FakePlatform& owner) : platform(owner) {}
       void dataTask(ZLVURLRequest request, CompletionHandler handler) override {
-        auto& tasks = request.URL->absoluteString().ends_with("/1/upload")
-                          ? platform.session.analytics
-                          : platform.session.merchant;
-        if (&tasks == &platform.session.analytics) platform.recordEvents(request);
-        tasks.push_back({std::move(request), std::move(handler)});
+        auto& [merchant, analytics] = platform.session;
+        const bool isUpload = request.URL->absoluteString().ends_with("/1/upload");
+        if (isUpload) platform.recordEvent(request);
+        (isUpload ? analytics : merchant).push_back({std::move(request), std::move(handler)});
       }
       FakePlatform& platform;
     };
@@ -138,23 +125,18 @@ struct FakePlatform {
     ZLVClient::initWithMerchantServerURL("https://shop.test/pay/", "M1", "app://done", false);
   }
 
-  /// The records of the last upload.
-  [[nodiscard]] ZLVArray lastUpload() const {
-    const auto body = parsed(*session.analytics.back().request.HTTPBody);
-    return *body["d"].array();
+  /// The records of an upload.
+  static ZLVArray recordsOf(const ZLVURLRequest& upload) {
+    const auto body =
+        std::get<ZLVValue>(ZLVJSONSerialization::JSONObjectWithData(*upload.HTTPBody));
+    return *(*body.dictionary())["d"].array();
   }
-
-  static ZLVDictionary parsed(const std::string& json) {
-    const auto value = ZLVJSONSerialization::JSONObjectWithData(json);
-    return *std::get<ZLVValue>(value).dictionary();
-  }
+  [[nodiscard]] ZLVArray lastUpload() const { return recordsOf(session.analytics.back().request); }
 
  private:
-  void recordEvents(const ZLVURLRequest& request) {
-    const auto body = parsed(*request.HTTPBody);
-    for (const auto& record : *body["d"].array()) {
-      const auto& name = (*record.dictionary())["evtName"];
-      if (!name.isAbsent()) ui->journal.push_back(name.description());
-    }
+  void recordEvent(const ZLVURLRequest& upload) {
+    const auto records = recordsOf(upload);
+    const auto& name = (*records[0].dictionary())["evtName"];
+    if (!name.isAbsent()) ui->journal.push_back(name.description());
   }
 };
