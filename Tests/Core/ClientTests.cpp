@@ -209,7 +209,6 @@ TEST_F(Client, ChoosesThePage) {
       {actions(wanted + "," + action("activation-deeplink", "no url")), refused},
       {actions(wanted + R"(,{"name":"activation-deeplink"})"), refused},
       {actions(action("activation-deeplink", "zolva://pay")), refused},
-      {actions(action("activation-deeplink", "")), refused},
       {R"({"status_code":201.7,"actions":[)" + wanted + "]}", shown(page)},
       {actions(wanted + "," + action("activation-deeplink", other) + "," +
                action("user-verification")),
@@ -229,7 +228,6 @@ TEST_F(Client, ChoosesThePage) {
 }
 
 TEST_F(Client, EveryEndOfThePageCompletesOnce) {
-  const Journal ended{"Link Account Success", "completion"};
   const Journal endedAtOnce{"Link Account Webview is Opened", "Link Account Success", "completion"};
   openPage();
   handle("x-app://done/again?status=cancelled");
@@ -250,7 +248,7 @@ TEST_F(Client, EveryEndOfThePageCompletesOnce) {
   EXPECT_EQ(openPage(), endedAtOnce);
   platform.ui->root.reset();
   presenter.reset();
-  EXPECT_EQ(takeJournal(), ended);
+  EXPECT_EQ(takeJournal(), (Journal{"Link Account Success", "completion"}));
   EXPECT_EQ(openPage(), endedAtOnce);
 }
 
@@ -355,12 +353,10 @@ TEST_F(Client, MissingArgumentsAreFaultsBeforeAnythingIsSent) {
   const auto zolva = std::make_shared<ZLVZolvaDetails>();
   const auto transaction = std::make_shared<ZLVTransactionDetails>();
   const auto customer = std::make_shared<ZLVCustomerDetails>();
-  const ZLVRecords<ZLVItemDetails> none;
-  const ZLVRecords<ZLVItemDetails> holes(1);
   const char* const noText = nullptr;
-  const auto createWith = [&](const ZLVClient::Text& type, auto z, auto t, auto c, auto items) {
-    ZLVClient::createTransactionWithPaymentType(type, nullptr, z, t, c, items,
-                                                note<ZLVTransactionResult>());
+  const auto createWith = [&](const ZLVClient::Text& type, auto z, auto t, auto c,
+                              ZLVRecords<ZLVItemDetails> items = {}) {
+    ZLVClient::createTransactionWithPaymentType(type, nullptr, z, t, c, std::move(items), {});
   };
   const std::pair<const char*, std::function<void()>> calls[] = {
       {"linkAccountWithPaymentType: no payment type",
@@ -369,15 +365,19 @@ TEST_F(Client, MissingArgumentsAreFaultsBeforeAnythingIsSent) {
        [&] { ZLVClient::enquireAccountWithAccountID({}, note<ZLVAccountInfo>()); }},
       {"disableAccountWithAccountID: no account id",
        [&] { ZLVClient::disableAccountWithAccountID(noText, {}); }},
-      {"payment type", [&] { createWith(noText, zolva, transaction, customer, none); }},
-      {"wallet details", [&] { createWith("t", nullptr, transaction, customer, none); }},
-      {"transaction details", [&] { createWith("t", zolva, nullptr, customer, none); }},
-      {"customer details", [&] { createWith("t", zolva, transaction, nullptr, none); }},
-      {"item", [&] { createWith("t", zolva, transaction, customer, holes); }},
+      {"payment type", [&] { createWith(noText, zolva, transaction, customer); }},
+      {"wallet details", [&] { createWith("t", nullptr, transaction, customer); }},
+      {"transaction details", [&] { createWith("t", zolva, nullptr, customer); }},
+      {"customer details", [&] { createWith("t", zolva, transaction, nullptr); }},
+      {"item",
+       [&] {
+         createWith("t", zolva, transaction, customer,
+                    std::vector<std::shared_ptr<ZLVItemDetails>>(1));
+       }},
       {"createTransactionWithPaymentType: no merchant server URL",
        [&] {
          ZLVVendor::shared().setMerchantSeverURL(noText);
-         createWith("t", zolva, transaction, customer, none);
+         createWith("t", zolva, transaction, customer);
        }},
       {"initWithMerchantServerURL: no merchant id",
        [&] { ZLVClient::initWithMerchantServerURL("https://x.test", noText, noText, false); }},
@@ -413,10 +413,11 @@ TEST_F(Client, AFaultOnTheMainThreadStillAnswers) {
     EXPECT_EQ(takeJournal(), index == 2 ? operations[index].passed : Journal());
     platform.queue->drain();
     EXPECT_EQ(takeJournal(), Journal{"completion"});
-    EXPECT_EQ(failure->domain(), NSCocoaErrorDomain);
-    EXPECT_EQ(failure->code(), NSPropertyListReadCorruptError);
-    EXPECT_EQ(failure->localizedDescription(),
-              "The answer does not have the expected structure: " + std::string(misfit) + ".");
+    EXPECT_TRUE(failure->debugDescription().starts_with(
+        "Error Domain=NSCocoaErrorDomain Code=3840 \"The answer does not have the expected "
+        "structure: " +
+        std::string(misfit) + ".\""))
+        << failure->debugDescription();
   }
 
   // The error's event cannot be recorded: first when the answer comes, then when the call is lost.

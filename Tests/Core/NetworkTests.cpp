@@ -27,13 +27,11 @@ class Network : public testing::Test {
       EXPECT_NE(answer.isAbsent(), !error);
       outcomes.push_back(error ? error->debugDescription() : answer.description());
     });
-    auto& tasks =
-        platform.session.merchant.empty() ? platform.session.analytics : platform.session.merchant;
-    if (!tasks.empty()) respond(tasks.back());
+    auto& [merchant, analytics] = platform.session;
+    respond(merchant.empty() ? analytics.back() : merchant.back());
     EXPECT_TRUE(outcomes.empty()) << "answered outside the main queue";
     platform.queue->drain();
-    EXPECT_EQ(outcomes.size(), 1U);
-    return outcomes.empty() ? "" : outcomes.front();
+    return outcomes.size() == 1 ? outcomes[0] : std::to_string(outcomes.size()) + " answers";
   }
   std::string outcome(int status, const std::string& body) {
     return outcome(service(ZLVHTTPMethodGet), [&](FakeTask& task) { task.answer(status, body); });
@@ -51,10 +49,8 @@ std::string failure(std::int64_t code, ZLVValue message, ZLVValue reasons = {}) 
 
 TEST(RequestBuilder, JoinsWithOneSlash) {
   const char* cases[][3] = {{"B/", "/v2/pay/account/", "B/v2/pay/account"},
-                            {"B", "/v2/charge", "B/v2/charge"},
                             {"B/", "1/upload", "B/1/upload"},
                             {"B//", "/v2/charge", "B//v2/charge"},
-                            {"B", "/", "B/"},
                             {"B", "/x//", "B/x/"},
                             {"B", "//x", "B//x"},
                             {"B", "//", "B/"},
@@ -67,7 +63,6 @@ TEST(RequestBuilder, JoinsWithOneSlash) {
 TEST(RequestBuilder, MethodsBodiesAndHeaders) {
   constexpr auto seven = static_cast<ZLVHTTPMethod>(7);
   const ZLVDictionary parameters{{"a", ZLVArray{1}}};
-  const ZLVDictionary latin1{{"n", "Andr\xE9"}};
   const ZLVDictionary unwritable{{"r", std::make_shared<ZLVAccountMetadata>()}};
   const Headers plain{{"X-Mobile-Platform", "ios"}, {"X-Source", "mobile-ios"}};
   Headers json = plain;
@@ -82,7 +77,6 @@ TEST(RequestBuilder, MethodsBodiesAndHeaders) {
                  {ZLVHTTPMethodGet, ZLVDictionary{}, 0, "GET", "?", {}, plain},
                  {ZLVHTTPMethodPost, parameters, 0, "POST", "", R"({"a":[1]})", json},
                  {ZLVHTTPMethodPost, {}, 0, "POST", "", {}, json},
-                 {ZLVHTTPMethodPost, latin1, 0, "POST", "", "{\"n\":\"Andr\uFFFD\"}", json},
                  {ZLVHTTPMethodPost, unwritable, 0, "POST", "", {}, json},
                  {ZLVHTTPMethodDelete, parameters, 2, "DELETE", "", R"({"a":[1]})", json},
                  {seven, {}, 0, "DELETE", "", {}, json},
@@ -138,12 +132,6 @@ TEST_F(Network, AnswersOnceWhateverTheSessionDoes) {
   };
   EXPECT_EQ(outcome(service(ZLVHTTPMethodGet), lose), lost.debugDescription());
 
-  // There is nothing to send.
-  platform.session.merchant.clear();
-  const auto badURL = outcome(service(ZLVHTTPMethodGet, {}, 0, "/a b"), [](FakeTask&) {});
-  EXPECT_NE(badURL.find("NSURLErrorDomain Code=-1000"), std::string::npos) << badURL;
-  EXPECT_TRUE(platform.session.merchant.empty());
-
   // The request cannot be built: the fault is all there is.
   bool called = false;
   EXPECT_THROW(
@@ -190,12 +178,15 @@ TEST_F(Network, LogsMerchantCallsOnly) {
   // A URL that does not parse is answered later as well.
   platform.session.merchant.clear();
   ZLVVendor::shared().setIsLoggingEnabled(false);
-  network.request(service(ZLVHTTPMethodPost, ZLVDictionary{}, 0, "/a b"), {});
+  std::string told;
+  network.request(service(ZLVHTTPMethodPost, ZLVDictionary{}, 0, "/a b"),
+                  [&](const auto&, const auto& error) { told = error->debugDescription(); });
   ZLVVendor::shared().setIsLoggingEnabled(true);
-  EXPECT_TRUE(takeLines().empty());
+  EXPECT_TRUE(takeLines().empty() && told.empty() && platform.session.merchant.empty());
   platform.queue->drain();
+  EXPECT_TRUE(told.starts_with("Error Domain=NSURLErrorDomain Code=-1000")) << told;
   const auto lines = takeLines();
   ASSERT_EQ(lines.size(), 3U);
   EXPECT_TRUE(lines[0].starts_with("A @POST request to : (null) request header: "));
-  EXPECT_TRUE(lines[2].starts_with("error : Error Domain=NSURLErrorDomain Code=-1000"));
+  EXPECT_EQ(lines[2], "error : " + told);
 }

@@ -1,6 +1,5 @@
 #include <cstdlib>
 #include <limits>
-#include <thread>
 
 #include <gtest/gtest.h>
 
@@ -17,21 +16,15 @@ using namespace std::string_view_literals;
 namespace {
 
 ZLVValue parsed(std::string_view text) {
-  auto result = JSON::JSONObjectWithData(text);
-  if (const auto* error = std::get_if<ZLVError>(&result)) {
-    ADD_FAILURE() << text << ": " << error->debugDescription();
-    return {};
-  }
-  return std::get<ZLVValue>(result);
+  return std::get<ZLVValue>(JSON::JSONObjectWithData(text));
 }
 
-std::string readingFailure(std::string_view text) {
-  const auto result = JSON::JSONObjectWithData(text);
-  const auto* error = std::get_if<ZLVError>(&result);
-  if (error == nullptr) return "";
-  EXPECT_EQ(error->domain(), NSCocoaErrorDomain);
-  EXPECT_EQ(error->code(), 3840);
-  return error->localizedDescription();
+/// Whether reading fails with such an error.
+bool isRefused(std::string_view text, std::string_view error = "NSCocoaErrorDomain Code=3840",
+               std::size_t budget = ZLVPlatform().maximumDecodedSize) {
+  const auto result = JSON::JSONObjectWithData(text, budget);
+  const auto* failure = std::get_if<ZLVError>(&result);
+  return failure != nullptr && failure->debugDescription().find(error) != std::string::npos;
 }
 
 std::string repeated(const std::string& text, std::size_t size) {
@@ -43,13 +36,13 @@ std::string repeated(const std::string& text, std::size_t size) {
 std::string nested(std::size_t depth) { return std::string(depth, '[') + std::string(depth, ']'); }
 
 // What would dangle must not compile.
-constexpr auto text = []<class V>(V&& v) -> decltype(std::forward<V>(v).text()) { return {}; };
-constexpr auto array = []<class V>(V&& v) -> decltype(std::forward<V>(v).array()) { return {}; };
-constexpr auto fields = []<class V>(V&& v) -> decltype(std::forward<V>(v).dictionary()) {
+constexpr auto textOf = []<class V>(V&& v) -> decltype(std::forward<V>(v).text()) { return {}; };
+constexpr auto arrayOf = []<class V>(V&& v) -> decltype(std::forward<V>(v).array()) { return {}; };
+constexpr auto fieldsOf = []<class V>(V&& v) -> decltype(std::forward<V>(v).dictionary()) {
   return {};
 };
-constexpr auto begin = []<class V>(V&& v) -> decltype(std::forward<V>(v).begin()) { return {}; };
-constexpr auto end = []<class V>(V&& v) -> decltype(std::forward<V>(v).end()) { return {}; };
+constexpr auto beginOf = []<class V>(V&& v) -> decltype(std::forward<V>(v).begin()) { return {}; };
+constexpr auto endOf = []<class V>(V&& v) -> decltype(std::forward<V>(v).end()) { return {}; };
 
 /// How many of the readings compile for a name (`const Value&`) or a temporary.
 template <class Value, class... Readings>
@@ -57,11 +50,12 @@ constexpr int compiled(Readings... /*readings*/) {
   return (int{std::is_invocable_v<Readings, Value>} + ...);
 }
 
-static_assert(compiled<const ZLVValue&>(text, array, fields) == 3);
-static_assert(compiled<ZLVValue>(text, array, fields) == 0);
-static_assert(compiled<const ZLVValue>(text, array, fields) == 0);
-static_assert(compiled<const ZLVDictionary&>(begin, end) == 2);
-static_assert(compiled<ZLVDictionary>(begin, end) + compiled<const ZLVDictionary>(begin, end) == 0);
+static_assert(compiled<const ZLVValue&>(textOf, arrayOf, fieldsOf) == 3);
+static_assert(compiled<ZLVValue>(textOf, arrayOf, fieldsOf) == 0);
+static_assert(compiled<const ZLVValue>(textOf, arrayOf, fieldsOf) == 0);
+static_assert(compiled<const ZLVDictionary&>(beginOf, endOf) == 2);
+static_assert(compiled<ZLVDictionary>(beginOf, endOf) == 0);
+static_assert(compiled<const ZLVDictionary>(beginOf, endOf) == 0);
 
 /// Whether each of the expressions has a type of its own, and so refers to nothing.
 template <class... Handed>
@@ -146,41 +140,35 @@ TEST(JSON, RefusesWhatIsNot) {
        {""sv, "\xEF\xBB\xBF"sv, " "sv, "{\"a\":1"sv, "{} x"sv, "[1,]"sv, "nul"sv, "\"\\ud800\""sv,
         "\"\\udc00\\ud800\""sv, "\"a\0b\""sv, "\xEF\xBB\xBF\xEF\xBB\xBF{}"sv, "\xFF\xFE{\0}\0"sv,
         "1e400"sv, "01"sv, "NaN"sv, "<html>"sv, "/**/1"sv, "1//"sv, "{}\0"sv}) {
-    EXPECT_NE(readingFailure(text), "") << text;
+    EXPECT_TRUE(isRefused(text)) << text;
   }
   for (const auto& text : {std::string(100'000, '9'), nested(513), std::string(100'000, '[')}) {
-    EXPECT_NE(readingFailure(text), "") << text.substr(0, 20);
+    EXPECT_TRUE(isRefused(text)) << text.substr(0, 20);
   }
-  EXPECT_NE(readingFailure("[1,]").find("at byte 3"), std::string::npos) << readingFailure("[1,]");
+  EXPECT_TRUE(isRefused("[1,]", "at byte 3"));
 }
 
 TEST(JSON, StaysWithinItsBudget) {
   constexpr std::size_t budget = 1'000'000;
-  const std::string tooLarge[] = {"[" + repeated("[],", 800'000),
-                                  "[" + repeated("{},", 800'000),
-                                  "[" + repeated("0,", 800'000),
-                                  "[" + repeated("\"\",", 800'000),
-                                  "[\"" + std::string(budget, 'x'),
-                                  "[{\"" + std::string(budget, 'x'),
-                                  "[\"" + repeated("\\n", 2 * budget) + repeated("x", 10),
-                                  "[" + repeated('"' + std::string(1000, 'x') + "\",", budget)};
+  const std::string tooLarge[] = {repeated("[],", 800'000),
+                                  repeated("{},", 800'000),
+                                  repeated("0,", 800'000),
+                                  repeated("\"\",", 800'000),
+                                  '"' + std::string(budget, 'x'),
+                                  "{\"" + std::string(budget, 'x'),
+                                  '"' + repeated("\\n", 2 * budget) + repeated("x", 10),
+                                  repeated('"' + std::string(1000, 'x') + "\",", budget)};
   for (const auto& text : tooLarge) {
     // What stands behind is not even looked at.
-    const auto result = JSON::JSONObjectWithData(text + "!", budget);
-    ASSERT_TRUE(std::holds_alternative<ZLVError>(result));
-    const auto& error = std::get<ZLVError>(result);
-    EXPECT_EQ(error.domain(), NSURLErrorDomain) << text.substr(0, 10);
-    EXPECT_EQ(error.code(), NSURLErrorDataLengthExceedsMaximum);
+    EXPECT_TRUE(isRefused("[" + text + "!", "NSURLErrorDomain Code=-1103", budget))
+        << text.substr(0, 10);
   }
-  std::string options = R"({"metadata":{"payment_options":[{})";
-  for (int i = 0; i < 10'000; ++i) {
-    options +=
-        R"(,{"name":"PAY_LATER","active":true,"balance":{"value":"350000.00","currency":"EUR"},)"
-        R"("metadata":{"min_limit":"10000","tier":1},)"
-        R"("token":"eyJ0eXBlIjogIlpPTFZBX1dBTExFVCIsICJpZCI6ICIifQ=="})";
-  }
-  const auto account = JSON::JSONObjectWithData(options + "]}}", ZLVPlatform().maximumDecodedSize);
-  EXPECT_TRUE(std::holds_alternative<ZLVValue>(account));
+  const std::string option =
+      R"({"name":"PAY_LATER","active":true,"balance":{"value":"350000.00","currency":"EUR"},)"
+      R"("metadata":{"min_limit":"10000","tier":1},)"
+      R"("token":"eyJ0eXBlIjogIlpPTFZBX1dBTExFVCIsICJpZCI6ICIifQ=="},)";
+  parsed(R"({"metadata":{"payment_options":[)" + repeated(option, 10'000 * option.size()) +
+         "{}]}}");
 }
 
 TEST(JSON, WritesCompactTextOrNothing) {
@@ -274,25 +262,12 @@ TEST(Text, BytesBecomeUTF8) {
   EXPECT_EQ(ZLVValue(whole).description(), whole);
 
   // "?" stands for U+FFFD.
-  for (const auto& [bytes, expected] : std::initializer_list<std::pair<const char*, const char*>>{
-           {"Andr\xE9 Ch\xE2telet, 12 rue", "Andr? Ch?telet, 12 rue"},
-           {"\x80\xBF\xFF", "???"},
-           {"\xC0\xAF", "??"},
-           {"\xC1\xBF\xC2", "???"},
-           {"\xE0\x9F\xBF", "???"},
-           {"\xED\xA0\x80", "???"},
-           {"\xF0\x8F\xBF\xBF", "????"},
-           {"\xF4\x90\x80\x80", "????"},
-           {"\xF5\x80", "??"},
-           {"\xF0\x9F\x98", "?"},
-           {"\xF0\x9F\x98 \xE2\x82\"", "? ?\""},
-           {"\xE1\x80\xE2\xF0\x91\x92\xF1\xBF\x41", "????A"}}) {
-    std::string text = expected;
+  const auto expectReplaced = [](const char* bytes, std::string text) {
     for (std::size_t at = 0; (at = text.find('?', at)) != std::string::npos;) {
       text.replace(at, 1, "\uFFFD");
     }
     EXPECT_FALSE(ZLVIsUTF8(bytes));
-    EXPECT_NE(readingFailure('"' + std::string(bytes) + '"'), "") << expected;
+    EXPECT_TRUE(isRefused('"' + std::string(bytes) + '"')) << text;
     for (const auto& value : {ZLVValue(bytes), ZLVValue(std::string(bytes)),
                               ZLVValue(std::string_view(bytes)), ZLVValue(std::optional(bytes))}) {
       EXPECT_EQ(value.description(), text);
@@ -302,18 +277,16 @@ TEST(Text, BytesBecomeUTF8) {
     dictionary.set(bytes, 2);
     EXPECT_EQ(dictionary, (ZLVDictionary{{text, 2}}));
     EXPECT_EQ(dictionary[bytes], ZLVValue(2));
+  };
+  for (const auto* bytes : {"\x80\xBF\xFF", "\xC0\xAF", "\xC1\xBF\xC2", "\xE0\x9F\xBF",
+                            "\xED\xA0\x80", "\xF0\x8F\xBF\xBF", "\xF4\x90\x80\x80", "\xF5\x80"}) {
+    expectReplaced(bytes, std::string(std::string_view(bytes).size(), '?'));
   }
+  expectReplaced("Andr\xE9 Ch\xE2telet, 12 rue", "Andr? Ch?telet, 12 rue");
+  expectReplaced("\xF0\x9F\x98 \xE2\x82\"", "? ?\"");
+  expectReplaced("\xE1\x80\xE2\xF0\x91\x92\xF1\xBF\x41 \xF0\x9F\x98", "????A ?");
 }
 
 TEST(Text, OneLineEscapesControlCharacters) {
   EXPECT_EQ(ZLVOneLine("a\n\r\t\x1b[0m\x7f\u00e9"), "a\\n\\r\\t\\u001b[0m\\u007f\u00e9");
-}
-
-TEST(Vendor, SharedFromManyThreadsIsOne) {
-  ZLVVendor* seen[8] = {};
-  {
-    std::vector<std::jthread> threads;
-    for (auto& vendor : seen) threads.emplace_back([&vendor] { vendor = &ZLVVendor::shared(); });
-  }
-  for (const auto* vendor : seen) EXPECT_EQ(vendor, &ZLVVendor::shared());
 }

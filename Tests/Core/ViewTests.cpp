@@ -7,16 +7,14 @@ namespace {
 std::string journal;
 
 struct View : ZLVViewController {
-  explicit View(char letter) : name(letter) {}
-  void viewDidLoad() override { note("load "); }
-  void viewWillAppear(bool /*animated*/) override { note("show "); }
+  explicit View(std::string letter) : name(std::move(letter)) {}
+  void viewDidLoad() override { journal += "load " + name; }
+  void viewWillAppear(bool /*animated*/) override { journal += "show " + name; }
   void viewWillDisappear(bool /*animated*/) override {
-    note("hide ");
+    journal += "hide " + name;
     if (leaving) leaving();
   }
-  void note(const char* step) const { journal += step + std::string(1, name) + ", "; }
-
-  char name;
+  const std::string name;
   std::function<void()> leaving;
 };
 
@@ -28,9 +26,9 @@ ZLVOnce<void()> done() {
 }  // namespace
 
 TEST(Views, ArePresentedOnceAndDismissedFromTheTop) {
-  const auto root = std::make_shared<View>('r');
-  const auto other = std::make_shared<View>('o');
-  const auto a = std::make_shared<View>('a');
+  const auto root = std::make_shared<View>("r, ");
+  const auto other = std::make_shared<View>("o, ");
+  const auto a = std::make_shared<View>("a, ");
   root->presentViewController(a, false, done());
   EXPECT_EQ(takeJournal(), "load a, show a, done, ");
   // Shown already, here and elsewhere; and the presenter is busy.
@@ -40,9 +38,9 @@ TEST(Views, ArePresentedOnceAndDismissedFromTheTop) {
   EXPECT_EQ(takeJournal(), "");
   EXPECT_EQ(a->presentingViewController(), root.get());
 
-  const auto b = std::make_shared<View>('b');
+  const auto b = std::make_shared<View>("b, ");
   a->presentViewController(b, false, std::function<void()>());
-  b->presentViewController(std::make_shared<View>('c'), false);
+  b->presentViewController(std::make_shared<View>("c, "), false);
   takeJournal();
   root->dismissViewControllerAnimated(false, done());
   EXPECT_EQ(takeJournal(), "hide c, hide b, hide a, done, ");
@@ -55,10 +53,10 @@ TEST(Views, ArePresentedOnceAndDismissedFromTheTop) {
 }
 
 TEST(Views, MayDoAsTheyLikeWhileTheyGo) {
-  auto root = std::make_shared<View>('r');
-  const auto a = std::make_shared<View>('a');
-  const auto b = std::make_shared<View>('b');
-  const auto fresh = std::make_shared<View>('f');
+  auto root = std::make_shared<View>("r, ");
+  const auto a = std::make_shared<View>("a, ");
+  const auto b = std::make_shared<View>("b, ");
+  const auto fresh = std::make_shared<View>("f, ");
   root->presentViewController(a, false);
   a->presentViewController(b, false);
   // What goes first takes everything else along and presents anew, which then stays.
@@ -77,7 +75,7 @@ TEST(Views, MayDoAsTheyLikeWhileTheyGo) {
   root->dismissViewControllerAnimated(false, done());
   EXPECT_EQ(takeJournal(), "hide f, done, ");
   EXPECT_TRUE(gone.expired());
-  auto presenter = std::make_shared<View>('p');
+  auto presenter = std::make_shared<View>("p, ");
   presenter->presentViewController(b, false);
   presenter.reset();
   EXPECT_EQ(b->presentingViewController(), nullptr);
