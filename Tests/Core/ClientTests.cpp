@@ -353,6 +353,7 @@ TEST_F(Client, MissingArgumentsAreFaultsBeforeAnythingIsSent) {
   const auto zolva = std::make_shared<ZLVZolvaDetails>();
   const auto transaction = std::make_shared<ZLVTransactionDetails>();
   const auto customer = std::make_shared<ZLVCustomerDetails>();
+  const ZLVRecords<ZLVItemDetails> holes(1);
   const char* const noText = nullptr;
   const auto createWith = [&](const ZLVClient::Text& type, auto z, auto t, auto c,
                               ZLVRecords<ZLVItemDetails> items = {}) {
@@ -369,11 +370,7 @@ TEST_F(Client, MissingArgumentsAreFaultsBeforeAnythingIsSent) {
       {"wallet details", [&] { createWith("t", nullptr, transaction, customer); }},
       {"transaction details", [&] { createWith("t", zolva, nullptr, customer); }},
       {"customer details", [&] { createWith("t", zolva, transaction, nullptr); }},
-      {"item",
-       [&] {
-         createWith("t", zolva, transaction, customer,
-                    std::vector<std::shared_ptr<ZLVItemDetails>>(1));
-       }},
+      {"item", [&] { createWith("t", zolva, transaction, customer, holes); }},
       {"createTransactionWithPaymentType: no merchant server URL",
        [&] {
          ZLVVendor::shared().setMerchantSeverURL(noText);
