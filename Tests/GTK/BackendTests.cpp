@@ -9,7 +9,6 @@
 
 #include <gtest/gtest.h>
 
-#include <ZolvaCheckoutKit/Core/Checkout/ZLVWebViewController.h>
 #include <ZolvaCheckoutKit/Platform/GTK/Internal/ZLVGTKMainQueue.h>
 #include <ZolvaCheckoutKit/Platform/GTK/Internal/ZLVWebSandbox.h>
 
@@ -43,8 +42,9 @@ TEST(MainQueue, RunsBlocksLaterInOrderOnTheMainThread) {
   EXPECT_EQ(order, (std::vector{1, 2, 3, 4}));
 }
 
-TEST(MainQueue, PassesExceptionsOnAndStaysUsable) {
+TEST(MainQueue, PassesExceptionsOnAndDestroysWhatNeverRan) {
   std::string caught;
+  const auto held = std::make_shared<int>();
   {
     ZLVGTKMainQueue queue([&](std::exception_ptr exception) {
       try {
@@ -57,6 +57,10 @@ TEST(MainQueue, PassesExceptionsOnAndStaysUsable) {
       queue.dispatch([text] { throw std::runtime_error(text); });
     }
     ASSERT_TRUE(waitFor([&] { return caught == "ab"; }));
+    queue.dispatch([held] { FAIL(); });
+  }
+  EXPECT_EQ(held.use_count(), 1);
+  while (g_main_context_iteration(nullptr, FALSE) != FALSE) {
   }
   EXPECT_DEATH(
       {
@@ -82,17 +86,6 @@ TEST(MainQueue, RunsUntilNothingIsUnderWay) {
   ZLVPlatform::installed().mainQueue->dispatch([&] { isRunning.set_value(); });
   EXPECT_TRUE(ZLVGTKPlatform::runUntilIdle(milliseconds::max()));
   other.join();
-}
-
-TEST(MainQueue, DestroysWhatNeverRan) {
-  auto held = std::make_shared<int>();
-  {
-    ZLVGTKMainQueue queue;
-    queue.dispatch([held] { FAIL(); });
-  }
-  EXPECT_EQ(held.use_count(), 1);
-  while (g_main_context_iteration(nullptr, FALSE) != FALSE) {
-  }
 }
 
 TEST(Device, KnowsScreenAndLanguages) {
@@ -137,20 +130,16 @@ TEST(ViewControllers, AreTheWindowsOwnAndFormATree) {
       // A page of the host's own making in the same tree belongs to the window, too.
       const auto detail = std::make_shared<ZLVViewController>();
       navigation->pushViewController(detail);
-      int ended = 0;
-      detail->presentViewController(
-          ZLVWebViewController::initWithURL(*ZLVURL::URLWithString("http://127.0.0.1/"),
-                                            [&] { ++ended; }),
-          false);
+      host.present("http://127.0.0.1/", detail);
       EXPECT_NE(host.webView(), nullptr);
       ZLVClient::initWithMerchantServerURL("http://127.0.0.1", "M-1", Host::callbackURL, false);
-      ZLVClient::handleCallbackUrl(*ZLVURL::URLWithString(Host::callbackURL));
-      EXPECT_EQ(ended, 1);
+      Host::callBack();
+      EXPECT_EQ(host.ended, 1);
     }
     EXPECT_EQ(root(), page);
     gone = page;
   });
-  gtk_window_destroy(host.window());
+  gtk_window_destroy(host.window);
   EXPECT_TRUE(gone.expired());
 }
 

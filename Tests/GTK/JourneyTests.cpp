@@ -1,7 +1,9 @@
-// A user's way through the wallet's pages, from the shop and back to it.
+// A user's way through the wallet's pages, from the shop and back to it, however it ends.
 
 #include <Sandbox/Sandbox.h>
 #include <gtest/gtest.h>
+
+#include <ZolvaCheckoutKit/Platform/GTK/Internal/ZLVGObject.h>
 
 #include "Tests/GTK/Host.h"
 
@@ -34,17 +36,17 @@ class Journey : public testing::Test {
   /// Asks for an account to be linked and waits for the wallet's page.
   void startLink(const std::shared_ptr<ZLVViewController>& presenter,
                  Answer<ZLVLinkAccountResult>& answer) {
-    ZLVClient::linkAccountWithPaymentType(
-        "zolva", ZLVPartnerDetails::initWithPhoneNumber("81234567890", "62"), presenter,
-        answer.handler());
+    ZLVClient::linkAccountWithPaymentType("zolva",
+                                          ZLVPartnerDetails::initWithPhoneNumber("5550123", "1"),
+                                          presenter, answer.handler());
     EXPECT_TRUE(waitFor([&] { return host_.hasElement("button[value=confirm]"); }));
   }
 
-  /// Links an account; `act` is what the user does on the wallet's page.
-  std::string link(const std::function<void()>& act) {
+  /// Links an account; the user chooses `decision` on the wallet's page.
+  std::string link(const std::string& decision) {
     Answer<ZLVLinkAccountResult> linked;
     startLink(host_.viewController(), linked);
-    act();
+    decide(decision);
     EXPECT_TRUE(linked.wait());
     EXPECT_TRUE(host_.waitUntilClosed());
     EXPECT_EQ(linked.completions, 1);
@@ -58,9 +60,7 @@ class Journey : public testing::Test {
     return enquired.record;
   }
 
-  std::function<void()> clicking(const char* decision) {
-    return [this, decision] { host_.clickElement(std::string("button[value=") + decision + "]"); };
-  }
+  void decide(const std::string& decision) { host_.clickElement("button[value=" + decision + "]"); }
 
   ZLVSandbox sandbox_;
   Host host_;
@@ -68,7 +68,8 @@ class Journey : public testing::Test {
 
 TEST_F(Journey, LinksAndPays) {
   host_.run([&] {
-    const auto account = link(clicking("confirm"));
+    EXPECT_NE(enquire(link("cancel"))->accountStatus().description(), "ENABLED");
+    const auto account = link("confirm");
     const auto info = enquire(account);
     EXPECT_EQ(info->accountStatus().description(), "ENABLED");
 
@@ -78,9 +79,9 @@ TEST_F(Journey, LinksAndPays) {
         ZLVZolvaDetails::initWithAccountID(account,
                                            info->metadata()->paymentOptions()->front()->token()),
         ZLVTransactionDetails::initWithGrossAmount(ZLVSandboxVerificationLimit + 50, "O-1", "EUR"),
-        ZLVCustomerDetails::initWithPhoneNumber("81234567890", "Ada", "L", "ada@example.com"),
+        ZLVCustomerDetails::initWithPhoneNumber("15550123", "Ada", "L", "ada@example.com"),
         std::nullopt, charged.handler());
-    clicking("confirm")();
+    decide("confirm");
     ASSERT_TRUE(charged.wait());
     EXPECT_TRUE(host_.waitUntilClosed());
     EXPECT_EQ(charged.completions, 1);
@@ -88,23 +89,13 @@ TEST_F(Journey, LinksAndPays) {
     const auto left = enquire(account)->metadata()->paymentOptions()->front()->balance()->value();
     EXPECT_EQ(left.description(), "350.00");
   });
-  EXPECT_EQ(host_.openedURLs().size(), 2U);
-}
-
-TEST_F(Journey, EndsOnceHoweverTheUserLeaves) {
-  host_.run([&] {
-    const std::function<void()> ways[] = {clicking("cancel"), [&] { host_.click("Close"); },
-                                          [] { pressKeys("Escape"); }};
-    for (const auto& leave : ways) {
-      EXPECT_NE(enquire(link(leave))->accountStatus().description(), "ENABLED");
-    }
-  });
+  EXPECT_EQ(host_.openedURLs.size(), 3U);
 }
 
 TEST_F(Journey, EndsWithThePageBelow) {
   host_.run([&] {
-    GtkWidget* const content = gtk_window_get_child(host_.window());
-    gtk_widget_grab_focus(host_.entry());
+    GtkWidget* const content = gtk_window_get_child(host_.window);
+    gtk_widget_grab_focus(host_.entry);
     for (const bool isAbovePage : {true, false}) {
       Answer<ZLVLinkAccountResult> below;
       Answer<ZLVLinkAccountResult> above;
@@ -125,12 +116,83 @@ TEST_F(Journey, EndsWithThePageBelow) {
       EXPECT_EQ(below.completions, 1);
       EXPECT_EQ(above.completions, isAbovePage ? 1 : 0);
       EXPECT_EQ(host_.viewController()->presentedViewController(), nullptr);
-      EXPECT_EQ(gtk_window_get_child(host_.window()), content);
+      EXPECT_EQ(gtk_window_get_child(host_.window), content);
       EXPECT_EQ(host_.webView(), nullptr);
-      EXPECT_TRUE(gtk_widget_is_sensitive(host_.payButton()));
-      EXPECT_NE(gtk_widget_get_state_flags(host_.entry()) & GTK_STATE_FLAG_FOCUS_WITHIN, 0);
+      EXPECT_TRUE(gtk_widget_is_sensitive(host_.payButton));
+      EXPECT_TRUE(host_.hasFocusInside(host_.entry));
     }
   });
 }
+
+struct Ending {
+  const char* name;
+  void (*end)(Host& host);
+};
+
+void PrintTo(const Ending& ending, std::ostream* stream) { *stream << ending.name; }
+
+const Ending endings[] = {
+    {"CloseButton", [](Host& host) { host.click("Close"); }},
+    {"Escape", [](Host&) { pressKeys("Escape"); }},
+    {"CallbackURL", [](Host&) { Host::callBack(); }},
+    {"AllAtOnce",
+     [](Host& host) {
+       pressKeys("Escape Escape");
+       host.evaluate("setTimeout(() => window.close())");
+       Host::callBack();
+     }},
+    {"EndlessLoop",
+     [](Host& host) {
+       host.evaluate("setTimeout(() => { while (true); })");
+       host.click("Close");
+     }},
+    {"PageCrashes",
+     [](Host& host) {
+       webkit_web_view_terminate_web_process(host.webView());
+       host.click("Close");
+     }},
+    {"DismissalDuringLoad",
+     [](Host& host) {
+       const RawServer server([](auto&) { return RawServer::Reply{"", RawServer::Then::Stall}; });
+       webkit_web_view_load_uri(host.webView(), server.url().c_str());
+       EXPECT_TRUE(waitFor([&] { return !server.requests().empty(); }));
+       Host::callBack();
+     }},
+    {"DismissalByTheHost",
+     [](Host& host) { host.viewController()->dismissViewControllerAnimated(true); }},
+    {"WindowDestroyed", [](Host& host) { gtk_window_destroy(host.window); }},
+    {"WindowDestroyedButHeld",
+     [](Host& host) {
+       const auto window = ZLVGObject<GtkWindow>::retain(host.window);
+       gtk_window_destroy(window.get());
+       EXPECT_TRUE(
+           waitFor([&] { return host.viewController()->presentedViewController() == nullptr; }));
+     }},
+    {"ContentReplaced",
+     [](Host& host) { gtk_window_set_child(host.window, gtk_label_new("other")); }},
+    {"ApplicationQuits", [](Host& host) { g_application_quit(G_APPLICATION(host.application)); }},
+};
+
+class Lifetime : public Journey, public testing::WithParamInterface<Ending> {};
+
+TEST_P(Lifetime, EndsOnce) {
+  Answer<ZLVLinkAccountResult> linked;
+  std::weak_ptr<ZLVViewController> controller;
+  host_.run([&] {
+    startLink(host_.viewController(), linked);
+    controller = host_.viewController()->presentedViewController();
+    EXPECT_EQ(linked.completions, 0);
+    GetParam().end(host_);
+    // An application that ends turns its loop no further.
+    EXPECT_TRUE(GetParam().name == std::string("ApplicationQuits") || linked.wait());
+  });
+  EXPECT_EQ(linked.completions, 1);
+  EXPECT_NE(linked.record, nullptr);
+  EXPECT_TRUE(controller.expired());
+  EXPECT_TRUE(waitFor([] { return childProcesses() == 0; }));
+}
+
+INSTANTIATE_TEST_SUITE_P(Browser, Lifetime, testing::ValuesIn(endings),
+                         [](const auto& test) { return test.param.name; });
 
 }  // namespace

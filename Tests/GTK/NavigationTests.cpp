@@ -19,28 +19,30 @@ const std::map<std::string, const char*> words = {
     {"file", "This file cannot be opened here"},   {"login", "The page asks for a login"},
 };
 
-bool isSeen(const Host& host, const std::string& shown) {
-  return shown == "page" || waitFor([&] { return host.find(words.at(shown)) != nullptr; });
+void expectSeen(const Host& host, const std::string& shown) {
+  EXPECT_TRUE(shown == "page" || host.sees(words.at(shown))) << shown;
+}
+
+/// What was opened after the first so many.
+std::vector<std::string> openedSince(const Host& host, std::size_t seen) {
+  return {host.openedURLs.begin() + static_cast<std::ptrdiff_t>(seen), host.openedURLs.end()};
 }
 
 /// In a browser of its own.
-void playFirst(const Host& host, const std::string& url, const AttackPage& attack) {
-  const auto seen = host.openedURLs().size();
+void playFirst(Host& host, const std::string& url, const AttackPage& attack) {
+  const auto seen = host.openedURLs.size();
   host.present(url);
-  EXPECT_TRUE(isSeen(host, attack.shown));
+  expectSeen(host, attack.shown);
   EXPECT_EQ(host.webView() != nullptr, attack.shown == "end");
-  EXPECT_EQ(std::vector(host.openedURLs().begin() + static_cast<std::ptrdiff_t>(seen),
-                        host.openedURLs().end()),
-            attack.opened);
-  host.click("Close");
-  ASSERT_TRUE(host.waitUntilClosed());
+  EXPECT_EQ(openedSince(host, seen), attack.opened);
+  host.close();
 }
 
 void playPage(const Host& host, const std::string& url, const AttackPage& attack) {
   host.evaluate("location = '" + url + "'");
   ASSERT_TRUE(waitFor(
       [&] { return host.evaluate("document.readyState + location.href") == "complete" + url; }));
-  const auto seen = host.openedURLs().size();
+  const auto seen = host.openedURLs.size();
   const auto settled = [&] {
     return webkit_web_view_is_loading(host.webView()) == FALSE &&
            host.evaluate("window.tried !== false") == "true";
@@ -49,24 +51,22 @@ void playPage(const Host& host, const std::string& url, const AttackPage& attack
     if (host.hasElement(element)) host.clickElement(element);
   }
   EXPECT_TRUE(waitFor(settled));
-  EXPECT_TRUE(waitFor([&] { return host.openedURLs().size() >= seen + attack.opened.size(); }));
-  EXPECT_TRUE(isSeen(host, attack.shown));
+  EXPECT_TRUE(waitFor([&] { return host.openedURLs.size() >= seen + attack.opened.size(); }));
+  expectSeen(host, attack.shown);
   host.clickElement("#control");
-  ASSERT_TRUE(waitFor(
-      [&] { return host.openedURLs().size() > seen && host.openedURLs().back() == control; }));
-  EXPECT_EQ(std::vector(host.openedURLs().begin() + static_cast<std::ptrdiff_t>(seen),
-                        host.openedURLs().end() - 1),
-            attack.opened);
+  ASSERT_TRUE(
+      waitFor([&] { return host.openedURLs.size() > seen && host.openedURLs.back() == control; }));
+  auto opened = attack.opened;
+  opened.emplace_back(control);
+  EXPECT_EQ(openedSince(host, seen), opened);
   EXPECT_EQ(host.evaluate("location.href"), url);
   EXPECT_EQ(g_list_model_get_n_items(gtk_window_get_toplevels()), 1U);
 }
 
 TEST(Navigation, WithstandsAttackPages) {
-  Host host;
-  const RawServer server(serveAttackPages);
   const auto attacks = attackPages();
   ASSERT_FALSE(attacks.empty());
-  host.run([&] {
+  browse(serveAttackPages, [&](Host& host, const RawServer& server) {
     const auto isFirst = [](const AttackPage& attack) {
       return attack.path.ends_with(".http") || attack.shown == "end";
     };
@@ -74,9 +74,8 @@ TEST(Navigation, WithstandsAttackPages) {
       SCOPED_TRACE(attack.path);
       if (isFirst(attack)) playFirst(host, server.url(attack.path), attack);
     }
-    host.present(server.url("/link.html?first"));
-    host.clickElement("#control");
-    ASSERT_TRUE(waitFor([&] { return host.openedURLs().back() == control; }));
+    host.visit(server.url("/link.html?first"), "#control");
+    ASSERT_TRUE(waitFor([&] { return host.openedURLs.back() == control; }));
     for (const auto& attack : attacks) {
       SCOPED_TRACE(attack.path);
       if (isFirst(attack) || attack.shown == "dialog") continue;
@@ -86,34 +85,26 @@ TEST(Navigation, WithstandsAttackPages) {
 }
 
 TEST(Navigation, OpensAnotherApplicationAfterAKeyOrWhenTheUserAgrees) {
-  Host host;
-  const RawServer server(serveAttackPages);
-  host.run([&] {
+  browse(serveAttackPages, [](Host& host, const RawServer& server) {
     // The engine gives back a key that the page has no use for; it is not a second one.
     host.present(server.url("/script-key.html"));
     ASSERT_TRUE(waitFor([&] { return host.hasElement("#control"); }));
     pressKeys("x");
-    ASSERT_TRUE(waitFor([&] { return !host.openedURLs().empty(); }));
-    EXPECT_EQ(host.openedURLs().back(), "app://redirected");
-    pressKeys("Escape");
-    ASSERT_TRUE(host.waitUntilClosed());
+    ASSERT_TRUE(waitFor(
+        [&] { return openedSince(host, 0) == std::vector<std::string>{"app://redirected"}; }));
+    host.close();
 
     // A page that nobody has touched may have waited for what the user does elsewhere.
     host.present(server.url("/flood.html"));
     host.click("Open");
-    ASSERT_TRUE(waitFor([&] { return host.openedURLs().size() == 2; }));
+    ASSERT_TRUE(waitFor([&] { return host.openedURLs.size() == 2; }));
     EXPECT_TRUE(waitFor([&] { return host.evaluate("tried") == "true"; }));
-    EXPECT_EQ(host.openedURLs().size(), 2U);
+    EXPECT_EQ(host.openedURLs.size(), 2U);
   });
 }
 
-RawServer::Reply page(const std::string& body) {
-  return {RawServer::response("<!doctype html>" + body, "200 OK", "Content-Type: text/html\r\n")};
-}
-
 TEST(Navigation, OpensNewWindowsInTheSameView) {
-  Host host;
-  const RawServer server([](const std::string& request) {
+  const auto windows = [](const std::string& request) {
     return page(
         request.find(" /popup ") != std::string::npos
             ? "<p id=popup>popup</p>"
@@ -122,16 +113,14 @@ TEST(Navigation, OpensNewWindowsInTheSameView) {
               "<script>window.open('/popup')</script>"
               "<form method=post action=/popup target=_blank><input type=hidden name=a value=b>"
               "<button>form</button></form>");
-  });
-  host.run([&] {
+  };
+  browse(windows, [](Host& host, const RawServer& server) {
     for (const char* element : {"#link", "#script", "button"}) {
       SCOPED_TRACE(element);
-      host.present(server.url());
-      host.clickElement(element);
+      host.visit(server.url(), element);
       host.clickElement("#popup");
       EXPECT_EQ(g_list_model_get_n_items(gtk_window_get_toplevels()), 1U);
-      pressKeys("Escape");
-      ASSERT_TRUE(host.waitUntilClosed());
+      host.close();
     }
     EXPECT_NE(server.requests().back().find("\r\n\r\na=b"), std::string::npos);
   });

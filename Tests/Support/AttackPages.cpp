@@ -1,7 +1,7 @@
 #include "Tests/Support/AttackPages.h"
 
 #include <fstream>
-#include <iterator>
+#include <regex>
 #include <sstream>
 
 namespace {
@@ -13,23 +13,15 @@ std::ifstream open(const std::string& path) {
 }  // namespace
 
 std::vector<AttackPage> attackPages() {
+  // | `path` | what it tries | `opened` | shown |
+  const std::regex row(R"(\| `(\S+)` \|[^|]*\| `?([^|`]*)`? ?\| (.*) \|)");
   std::vector<AttackPage> pages;
   auto readme = open("/README.md");
+  std::smatch cells;
   for (std::string line; std::getline(readme, line);) {
-    if (!line.starts_with("| `")) continue;
-    std::erase(line, '`');
-    std::istringstream cells(line);
-    std::string page;
-    std::string attempt;
-    std::string opened;
-    std::string shown;
-    for (std::string* cell : {&page, &page, &attempt, &opened, &shown}) {
-      std::getline(cells, *cell, '|');
-    }
-    std::istringstream urls(opened);
-    pages.push_back({.path = "/" + page.substr(1, page.size() - 2),
-                     .opened = {std::istream_iterator<std::string>(urls), {}},
-                     .shown = shown.substr(1, shown.size() - 2)});
+    if (!std::regex_match(line, cells, row)) continue;
+    pages.push_back({.path = "/" + cells.str(1), .opened = {}, .shown = cells.str(3)});
+    if (cells.length(2) > 0) pages.back().opened.push_back(cells.str(2));
   }
   return pages;
 }

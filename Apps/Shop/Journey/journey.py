@@ -2,6 +2,7 @@
 
 import argparse
 import json
+import math
 import os
 import pathlib
 import re
@@ -46,14 +47,15 @@ def order(robot, *things):
     for thing in things:
         robot.click(f"Add {thing}")
     if robot.size[0] < 760:
-        robot.wait("the basket", lambda: robot.find_beginning("Basket ("))
-        robot.click(robot.find_beginning("Basket ("))
+        robot.click("Basket (*")
     robot.click("Pay with Zolva")
 
 
-def enter_phone(robot):
-    robot.click("Phone number", "text")
-    robot.type("+1 555 0123")
+def thanks(robot, picture=None):
+    robot.see("Thank you!")
+    if picture:
+        robot.screenshot(picture)
+    robot.click("Back to the menu")
 
 
 def ask(robot, path, body=None):
@@ -72,10 +74,13 @@ def misbehave(robot, path, **settings):
 
 def link(robot):
     robot.tell("Link a wallet")
+    for thing in ("Cappuccino", "Croissant"):
+        robot.click(f"Add {thing}")
     robot.screenshot("menu")
-    order(robot, "Cappuccino", "Croissant")
+    order(robot)
     robot.see("Link your Zolva wallet")
-    enter_phone(robot)
+    robot.click("Phone number", "text")
+    robot.type("+1 555 0123")
     robot.screenshot("link")
 
     robot.tell("Close the wallet's page: nothing is linked")
@@ -101,9 +106,7 @@ def link(robot):
 def pay_small(robot):
     robot.tell("Pay a coffee and a croissant, below the wallet's limit")
     completes(robot, "charge", lambda: robot.click("Pay €6.40"))
-    robot.see("Thank you!")
-    robot.screenshot("receipt")
-    robot.click("Back to the menu")
+    thanks(robot, "receipt")
 
 
 def pay_large(robot):
@@ -116,21 +119,12 @@ def pay_large(robot):
     robot.see("Not paid")
     robot.screenshot("not-paid")
 
-    robot.tell("Try again, and cancel on the wallet's page")
-    completes(robot, "charge", lambda: (again(robot), cancel(robot)))
-    robot.see("Not paid")
-
     robot.tell("Try again, and confirm")
-    completes(robot, "charge", lambda: (again(robot), confirm(robot)))
-    robot.see("Thank you!")
-    robot.screenshot("receipt-large")
-    robot.click("Back to the menu")
-
-
-def again(robot):
     robot.click("Back to the basket")
     robot.click("Pay with Zolva")
     robot.click("Pay €249.00")
+    completes(robot, "charge", lambda: confirm(robot))
+    thanks(robot, "receipt-large")
 
 
 def change_order(robot):
@@ -148,9 +142,8 @@ def change_order(robot):
     robot.click("Back")
     order(robot, "Espresso")
     completes(robot, "charge", lambda: robot.click("Pay €251.40"))
-    robot.see("Thank you!")
     robot.see("1 × Coffee machine")
-    robot.click("Back to the menu")
+    thanks(robot)
 
 
 UNCERTAIN = "We don't know yet whether you paid"
@@ -164,8 +157,7 @@ def lose_connection(robot):
     robot.see(UNCERTAIN)
     robot.screenshot("uncertain")
     completes(robot, "charge", lambda: robot.click("Pay again"))
-    robot.see("Thank you!")
-    robot.click("Back to the menu")
+    thanks(robot)
 
 
 def wait_in_vain(robot):
@@ -179,8 +171,7 @@ def wait_in_vain(robot):
     robot.click("Stop waiting")
     robot.see(UNCERTAIN)
     completes(robot, "order", lambda: robot.click("Check again"))
-    robot.see("Thank you!")
-    robot.click("Back to the menu")
+    thanks(robot)
 
 
 def order_more(robot):
@@ -199,8 +190,7 @@ def order_more(robot):
     robot.see(UNCERTAIN)
     expect(robot, "charges for the larger order", robot.count("charge completed") - charges, 0)
     completes(robot, "charge", lambda: robot.click("Pay again"))
-    robot.see("Thank you!")
-    robot.click("Back to the menu")
+    thanks(robot)
 
 
 def spend_everything(robot):
@@ -208,15 +198,12 @@ def spend_everything(robot):
     account = re.search("<small>([0-9a-f-]{36})</small>", ask(robot, "/"))[1]
     wallet = json.loads(ask(robot, f"/v2/pay/account/{account}"))["metadata"]["payment_options"][0]
     balance = float(wallet["balance"]["value"])
-    for number in range(100):
-        amount = round(min(balance - 100 * number, 100), 2)
-        if amount <= 0:
-            break
+    for spent in range(0, math.ceil(balance), 100):
         ask(robot, "/v2/charge", {
             "payment_type": "zolva",
             "zolva": {"account_id": account, "payment_option_token": wallet["token"]},
-            "transaction_details": {"gross_amount": amount, "order_id": f"elsewhere-{number}",
-                                    "currency": "EUR"},
+            "transaction_details": {"gross_amount": round(min(balance - spent, 100), 2),
+                                    "order_id": f"elsewhere-{spent}", "currency": "EUR"},
             "customer_details": {"phone": "1", "first_name": "Ada", "email": "ada@example.com"}})
 
 
@@ -233,8 +220,7 @@ def have_too_little(robot):
     robot.see("You need €2.80 more")
     robot.screenshot("pay-later")
     completes(robot, "charge", lambda: robot.click("Pay €2.80"))
-    robot.see("Thank you!")
-    robot.click("Back to the menu")
+    thanks(robot)
 
 
 def look_back(robot):
@@ -266,7 +252,7 @@ def run(robot):
     for chapter in (link, pay_small, pay_large, change_order, lose_connection, wait_in_vain, order_more,
                     have_too_little, look_back, leave):
         chapter(robot)
-    expect(robot, "callback URLs that came through the system", robot.count("opened cornercoffee:"), 4)
+    expect(robot, "callback URLs that came through the system", robot.count("opened cornercoffee:"), 3)
     expect(robot, "short cuts taken", robot.count("not the installed handler"), 0)
     states = [re.match("order (CC-.*?) (.*)", line) for line in robot.lines]
     numbers = [state[1] for state in states if state]

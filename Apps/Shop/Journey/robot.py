@@ -9,6 +9,7 @@ import subprocess
 import tempfile
 import threading
 import time
+from fnmatch import fnmatchcase
 
 import gi
 
@@ -195,25 +196,16 @@ class Robot:
                 yield from self._below(child, view)
 
     def find(self, name, role=None):
-        """The widget of this name, by role when there are several, and its view; or nothing."""
+        """The widget of this name or pattern, by role when there are several, and its view."""
         try:
             for node, view in self._nodes():
-                if node.get_name() == name and role in (None, node.get_role_name()):
+                if fnmatchcase(node.get_name(), name) and role in (None, node.get_role_name()):
                     box = node.get_extents(Atspi.CoordType.WINDOW)
                     if box.width > 0 and box.height > 0:
                         return node, box, view
         except gi.repository.GLib.Error:
             pass  # it changed while it was read: look again
         return None
-
-    def find_beginning(self, beginning):
-        """The name of a button that begins so; or nothing."""
-        try:
-            return next((node.get_name() for node, _ in self._nodes()
-                         if node.get_name().startswith(beginning)
-                         and node.get_role_name() == "push button"), None)
-        except gi.repository.GLib.Error:
-            return None
 
     def see(self, name, role=None):
         return self.wait(f"“{name}”", lambda: self.find(name, role))
@@ -266,20 +258,13 @@ class Robot:
         return [data[row * width * 3:(row + 1) * width * 3] for row in range(self.size[1])]
 
     def wallet_button(self):
-        """The middle of the wallet page's Confirm button: the widest bar of the wallet's blue."""
-        colour = bytes(WALLET_BLUE[self.dark])
-        shortest = 100
-        rows = {}
+        """A point in the wallet page's Confirm button: the first wide bar of the wallet's blue."""
+        width = 100
         for y, row in enumerate(self.pixels()):
-            start = row.find(colour * shortest)
-            while start >= 0 and start % 3:
-                start = row.find(colour * shortest, start + 1)
+            start = row.find(bytes(WALLET_BLUE[self.dark]) * width)
             if start >= 0:
-                end = start
-                while row[end:end + 3] == colour:
-                    end += 3
-                rows[y] = (start // 3 + end // 3) // 2
-        return (rows[min(rows)], (min(rows) + max(rows)) // 2) if rows else None
+                return start // 3 + width // 2, y + 5
+        return None
 
     def page(self):
         """Waits for the wallet's page, until it has come to rest."""
