@@ -102,11 +102,9 @@ TEST(Controls, TellWhoVouchesForThePage) {
 
 /// The dialog of the toolkit that is open, or null.
 GtkFileChooser* openedChooser() {
-  GListModel* const windows = gtk_window_get_toplevels();
-  for (guint i = 0; i < g_list_model_get_n_items(windows); ++i) {
-    const auto window =
-        ZLVGObject<GObject>::take(static_cast<GObject*>(g_list_model_get_item(windows, i)));
-    if (GTK_IS_FILE_CHOOSER(window.get())) return GTK_FILE_CHOOSER(window.get());
+  const ZLVGOwned<GList, g_list_free> windows(gtk_window_list_toplevels());
+  for (const GList* each = windows.get(); each != nullptr; each = each->next) {
+    if (GTK_IS_FILE_CHOOSER(each->data)) return GTK_FILE_CHOOSER(each->data);
   }
   return nullptr;
 }

@@ -94,8 +94,6 @@ TEST_F(Journey, LinksAndPays) {
 
 TEST_F(Journey, EndsWithThePageBelow) {
   host_.run([&] {
-    GtkWidget* const content = gtk_window_get_child(host_.window);
-    gtk_widget_grab_focus(host_.entry);
     for (const bool isAbovePage : {true, false}) {
       Answer<ZLVLinkAccountResult> below;
       Answer<ZLVLinkAccountResult> above;
@@ -116,10 +114,8 @@ TEST_F(Journey, EndsWithThePageBelow) {
       EXPECT_EQ(below.completions, 1);
       EXPECT_EQ(above.completions, isAbovePage ? 1 : 0);
       EXPECT_EQ(host_.viewController()->presentedViewController(), nullptr);
-      EXPECT_EQ(gtk_window_get_child(host_.window), content);
       EXPECT_EQ(host_.webView(), nullptr);
       EXPECT_TRUE(gtk_widget_is_sensitive(host_.payButton));
-      EXPECT_TRUE(host_.hasFocusInside(host_.entry));
     }
   });
 }

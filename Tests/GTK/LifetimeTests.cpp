@@ -133,15 +133,13 @@ TEST_F(Covers, EndBelowTheHostsOwn) {
 }
 
 TEST(Browser, LeavesNothingBehind) {
-  Host host;
-  const RawServer server(pages("<p>page"));
   int living = 0;
   const auto count = [&](gpointer object) {
     ++living;
     g_object_weak_ref(
         G_OBJECT(object), [](gpointer data, GObject*) { --*static_cast<int*>(data); }, &living);
   };
-  host.run([&] {
+  browse(pages("<p>page"), [&](Host& host, const RawServer& server) {
     for (int visit = 1; visit <= 10; ++visit) {
       host.visit(server.url());
       count(host.webView());
