@@ -1,6 +1,5 @@
 #pragma once
 
-#include <array>
 #include <string>
 #include <vector>
 
@@ -12,19 +11,5 @@ struct FaultSection {
   std::vector<Fault> faults;
 };
 
-FaultSection brokenConnections(Stage& stage);
-FaultSection brokenKeptConnections(Stage& stage);
-FaultSection spoiltConnections(Stage& stage);
-FaultSection brokenHTTP(Stage& stage);
-FaultSection largeAnswers(Stage& stage);
-FaultSection redirects(Stage& stage);
-FaultSection brokenJSON(Stage& stage);
-FaultSection brokenTLS(Stage& stage);
-FaultSection brokenProxies(Stage& stage);
-
-/// The whole table, section by section.
-inline constexpr std::array faultSections{&brokenConnections, &brokenKeptConnections,
-                                          &spoiltConnections, &brokenHTTP,
-                                          &largeAnswers,      &redirects,
-                                          &brokenJSON,        &brokenTLS,
-                                          &brokenProxies};
+/// What makes the whole table, section by section.
+std::vector<FaultSection (*)(Stage&)> faultSections();

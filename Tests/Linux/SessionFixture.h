@@ -13,6 +13,11 @@
 
 #include "Tests/Support/RawServer.h"
 
+using Reply = RawServer::Reply;
+using Then = RawServer::Then;
+
+inline Reply hello(const std::string& /*request*/) { return {RawServer::response("hello")}; }
+
 inline ZLVLinuxOptions linuxOptions() {
   return {.applicationName = "Tests", .applicationVersion = "1"};
 }

@@ -157,9 +157,8 @@ void RawServer::serve(Connection& connection) {
     }
     const Reply reply = script_(request);
     connection.write(reply.bytes);
-    if (!reply.repeated.empty()) {
-      while (connection.write(reply.repeated) && connection.isWanted(reply.pause)) {
-      }
+    while (!reply.repeated.empty() && connection.write(reply.repeated) &&
+           connection.isWanted(reply.pause)) {
     }
     if (reply.gate) reply.gate();
     connection.write(reply.late);
