@@ -98,7 +98,7 @@ std::string Stage::outcome(const Fault& fault) {
   }
 
   faultsLeft = 0;
-  const auto on = works(url) ? "yes" : works(bystander_.url()) ? "with another server" : "NO";
+  const auto* on = works(url) ? "yes" : works(bystander_.url()) ? "with another server" : "NO";
   return text + cell(on);
 }
 

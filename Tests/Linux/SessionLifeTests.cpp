@@ -89,6 +89,7 @@ TEST(SessionLife, ServesManyCallsAtOnce) {
   });
   const auto session = makeSession();
   std::vector<std::future<ZLVURLAnswer>> answers;
+  answers.reserve(1000);
   for (int i = 0; i < 1000; ++i) {
     answers.push_back(start(*session, request(server.url("/" + std::to_string(i)))));
   }
