@@ -356,8 +356,8 @@ TEST_F(Client, MissingArgumentsAreFaultsBeforeAnythingIsSent) {
   const ZLVRecords<ZLVItemDetails> holes(1);
   const char* const noText = nullptr;
   const auto createWith = [&](const ZLVClient::Text& type, auto z, auto t, auto c,
-                              ZLVRecords<ZLVItemDetails> items = {}) {
-    ZLVClient::createTransactionWithPaymentType(type, nullptr, z, t, c, std::move(items), {});
+                              const ZLVRecords<ZLVItemDetails>& items = {}) {
+    ZLVClient::createTransactionWithPaymentType(type, nullptr, z, t, c, items, {});
   };
   const std::pair<const char*, std::function<void()>> calls[] = {
       {"linkAccountWithPaymentType: no payment type",
