@@ -25,8 +25,8 @@ bool isInsideWindow(const Host& host, GtkWidget* widget) {
   graphene_rect_t place{};
   graphene_rect_t whole{};
   auto* const window = GTK_WIDGET(host.window);
-  return gtk_widget_compute_bounds(widget, window, &place) &&
-         gtk_widget_compute_bounds(window, window, &whole) &&
+  return gtk_widget_compute_bounds(widget, window, &place) != FALSE &&
+         gtk_widget_compute_bounds(window, window, &whole) != FALSE &&
          graphene_rect_contains_rect(&whole, &place) && place.size.height > 0;
 }
 
