@@ -201,6 +201,7 @@ TEST_F(Client, ChoosesThePage) {
   };
   const std::pair<std::string, Journal> cases[] = {
       {R"({"status_code":"200","actions":[)" + wanted + "]}", passedThrough},
+      {R"({"status_code":"202","actions":[)" + wanted + "]}", passedThrough},
       {R"({"actions":[)" + wanted + "]}", passedThrough},
       {R"({"status_code":"201"})", passedThrough},
       {R"({"status_code":"201","actions":null})", passedThrough},
