@@ -2,8 +2,8 @@
 #include <utility>
 #include <variant>
 
-#include <ZolvaCheckoutKit/Core/Helpers/ZLVJSONSerialization.h>
 #include <ZolvaCheckoutKit/Core/Network/ZLVNetwork.h>
+#include <ZolvaCheckoutKit/Core/Values/ZLVJSONSerialization.h>
 #include <ZolvaCheckoutKit/Platform/Linux/ZLVLinuxMainQueue.h>
 #include <ZolvaCheckoutKit/Platform/Linux/ZLVLinuxPlatform.h>
 #include <ZolvaCheckoutKit/ZLVClient.h>

@@ -4,7 +4,7 @@
 
 #include <benchmark/benchmark.h>
 
-#include <ZolvaCheckoutKit/Core/Helpers/ZLVJSONSerialization.h>
+#include <ZolvaCheckoutKit/Core/Values/ZLVJSONSerialization.h>
 #include <ZolvaCheckoutKit/Platform/ZLVPlatform.h>
 #include <ZolvaCheckoutKit/ZLVAccountRecords.h>
 

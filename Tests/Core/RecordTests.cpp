@@ -2,8 +2,8 @@
 
 #include <ZolvaCheckoutKit/ZolvaCheckoutKit.h>
 
-#include "ZolvaCheckoutKit/Core/Helpers/ZLVJSONSerialization.h"
 #include "ZolvaCheckoutKit/Core/Helpers/parse.h"
+#include "ZolvaCheckoutKit/Core/Values/ZLVJSONSerialization.h"
 
 namespace {
 

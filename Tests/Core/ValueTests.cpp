@@ -5,10 +5,10 @@
 
 #include <ZolvaCheckoutKit/ZolvaCheckoutKit.h>
 
-#include "ZolvaCheckoutKit/Core/Helpers/ZLVJSONSerialization.h"
-#include "ZolvaCheckoutKit/Core/Helpers/ZLVText.h"
 #include "ZolvaCheckoutKit/Core/Helpers/core_parse.h"
 #include "ZolvaCheckoutKit/Core/Helpers/extract.h"
+#include "ZolvaCheckoutKit/Core/Values/ZLVJSONSerialization.h"
+#include "ZolvaCheckoutKit/Core/Values/ZLVText.h"
 
 using JSON = ZLVJSONSerialization;
 using namespace std::string_view_literals;

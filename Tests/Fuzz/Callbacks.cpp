@@ -8,7 +8,7 @@
 
 #include "Tests/Fuzz/Fuzz.h"
 #include "Tests/Support/FakePlatform.h"
-#include "ZolvaCheckoutKit/Core/Helpers/ZLVText.h"
+#include "ZolvaCheckoutKit/Core/Values/ZLVText.h"
 
 namespace {
 

@@ -6,10 +6,10 @@
 
 #include <strings.h>
 
-#include <ZolvaCheckoutKit/Core/Helpers/ZLVText.h>
 #include <ZolvaCheckoutKit/Core/Helpers/core_parse.h>
 #include <ZolvaCheckoutKit/Core/Helpers/encode.h>
 #include <ZolvaCheckoutKit/Core/Network/ZLVRequestBuilder.h>
+#include <ZolvaCheckoutKit/Core/Values/ZLVText.h>
 #include <ZolvaCheckoutKit/ZLVURL.h>
 
 #include "Tests/Fuzz/Fuzz.h"

@@ -3,9 +3,9 @@
 #include <algorithm>
 #include <initializer_list>
 
-#include <ZolvaCheckoutKit/Core/Helpers/ZLVJSONSerialization.h>
-#include <ZolvaCheckoutKit/Core/Helpers/ZLVText.h>
 #include <ZolvaCheckoutKit/Core/Helpers/builder.h>
+#include <ZolvaCheckoutKit/Core/Values/ZLVJSONSerialization.h>
+#include <ZolvaCheckoutKit/Core/Values/ZLVText.h>
 #include <ZolvaCheckoutKit/ZolvaCheckoutKit.h>
 
 #include "Tests/Fuzz/Fuzz.h"

@@ -13,7 +13,7 @@
 #include <gtest/gtest.h>
 
 #include "Tests/Linux/SessionFixture.h"
-#include "ZolvaCheckoutKit/Core/Helpers/ZLVJSONSerialization.h"
+#include "ZolvaCheckoutKit/Core/Values/ZLVJSONSerialization.h"
 
 namespace {
 

@@ -10,7 +10,7 @@
 
 #include <ZolvaCheckoutKit/ZolvaCheckoutKit.h>
 
-#include "ZolvaCheckoutKit/Core/Helpers/ZLVJSONSerialization.h"
+#include "ZolvaCheckoutKit/Core/Values/ZLVJSONSerialization.h"
 
 struct FakeMainQueue : ZLVMainQueue {
   void dispatch(ZLVOnce<void()> block) override { blocks.push_back(std::move(block)); }

@@ -2,8 +2,8 @@
 
 #include <ZolvaCheckoutKit/Core/Analytics/ZLVAnalyticsTracker.h>
 #include <ZolvaCheckoutKit/Core/Helpers/ZLVDeviceHelper.h>
-#include <ZolvaCheckoutKit/Core/Helpers/ZLVText.h>
 #include <ZolvaCheckoutKit/Core/Network/ZLVNetwork.h>
+#include <ZolvaCheckoutKit/Core/Values/ZLVText.h>
 #include <ZolvaCheckoutKit/Platform/ZLVPlatform.h>
 #include <ZolvaCheckoutKit/ZLVVendor.h>
 

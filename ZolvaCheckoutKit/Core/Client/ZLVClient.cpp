@@ -3,9 +3,9 @@
 
 #include <ZolvaCheckoutKit/Core/Analytics/ZLVAnalyticsTracker.h>
 #include <ZolvaCheckoutKit/Core/Checkout/ZLVCheckoutProcessor.h>
-#include <ZolvaCheckoutKit/Core/Helpers/ZLVJSONSerialization.h>
-#include <ZolvaCheckoutKit/Core/Helpers/ZLVText.h>
 #include <ZolvaCheckoutKit/Core/Network/ZLVNetwork.h>
+#include <ZolvaCheckoutKit/Core/Values/ZLVJSONSerialization.h>
+#include <ZolvaCheckoutKit/Core/Values/ZLVText.h>
 #include <ZolvaCheckoutKit/Platform/ZLVPlatform.h>
 #include <ZolvaCheckoutKit/ZLVClient.h>
 #include <ZolvaCheckoutKit/ZLVVendor.h>

@@ -1,6 +1,6 @@
-#include <ZolvaCheckoutKit/Core/Helpers/ZLVText.h>
 #include <ZolvaCheckoutKit/Core/Helpers/core_parse.h>
 #include <ZolvaCheckoutKit/Core/Helpers/encode.h>
+#include <ZolvaCheckoutKit/Core/Values/ZLVText.h>
 #include <ZolvaCheckoutKit/ZLVError.h>
 
 namespace {

@@ -1,5 +1,5 @@
-#include <ZolvaCheckoutKit/Core/Helpers/ZLVText.h>
 #include <ZolvaCheckoutKit/Core/Helpers/encode.h>
+#include <ZolvaCheckoutKit/Core/Values/ZLVText.h>
 
 std::optional<std::string> encode::ZLVURLEncodedString(std::string_view string) {
   std::string decoded;

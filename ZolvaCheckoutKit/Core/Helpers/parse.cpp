@@ -1,8 +1,8 @@
 #include <array>
 #include <string>
 
-#include <ZolvaCheckoutKit/Core/Helpers/ZLVText.h>
 #include <ZolvaCheckoutKit/Core/Helpers/parse.h>
+#include <ZolvaCheckoutKit/Core/Values/ZLVText.h>
 
 namespace {
 

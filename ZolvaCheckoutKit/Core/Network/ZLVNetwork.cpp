@@ -3,11 +3,11 @@
 #include <string_view>
 #include <utility>
 
-#include <ZolvaCheckoutKit/Core/Helpers/ZLVJSONSerialization.h>
-#include <ZolvaCheckoutKit/Core/Helpers/ZLVText.h>
 #include <ZolvaCheckoutKit/Core/Helpers/builder.h>
 #include <ZolvaCheckoutKit/Core/Network/ZLVNetwork.h>
 #include <ZolvaCheckoutKit/Core/Network/ZLVRequestBuilder.h>
+#include <ZolvaCheckoutKit/Core/Values/ZLVJSONSerialization.h>
+#include <ZolvaCheckoutKit/Core/Values/ZLVText.h>
 #include <ZolvaCheckoutKit/Platform/ZLVActivity.h>
 #include <ZolvaCheckoutKit/Platform/ZLVPlatform.h>
 #include <ZolvaCheckoutKit/ZLVVendor.h>

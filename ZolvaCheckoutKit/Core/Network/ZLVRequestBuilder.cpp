@@ -1,9 +1,9 @@
 #include <utility>
 
-#include <ZolvaCheckoutKit/Core/Helpers/ZLVJSONSerialization.h>
-#include <ZolvaCheckoutKit/Core/Helpers/ZLVText.h>
 #include <ZolvaCheckoutKit/Core/Helpers/core_parse.h>
 #include <ZolvaCheckoutKit/Core/Network/ZLVRequestBuilder.h>
+#include <ZolvaCheckoutKit/Core/Values/ZLVJSONSerialization.h>
+#include <ZolvaCheckoutKit/Core/Values/ZLVText.h>
 
 namespace {
 

@@ -1,6 +1,6 @@
 #include <utility>
 
-#include <ZolvaCheckoutKit/Platform/Linux/Internal/ZLVCurlSession.h>
+#include <ZolvaCheckoutKit/Platform/Curl/Internal/ZLVCurlSession.h>
 #include <ZolvaCheckoutKit/Platform/Linux/Internal/ZLVLinuxDevice.h>
 #include <ZolvaCheckoutKit/Platform/Linux/Internal/ZLVSyslog.h>
 #include <ZolvaCheckoutKit/Platform/Linux/ZLVConsoleUserInterface.h>

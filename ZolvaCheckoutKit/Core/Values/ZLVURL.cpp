@@ -1,7 +1,7 @@
 #include <algorithm>
 #include <array>
 
-#include <ZolvaCheckoutKit/Core/Helpers/ZLVText.h>
+#include <ZolvaCheckoutKit/Core/Values/ZLVText.h>
 #include <ZolvaCheckoutKit/ZLVURL.h>
 
 namespace {

@@ -3,7 +3,7 @@
 
 #include <strings.h>
 
-#include <ZolvaCheckoutKit/Platform/Linux/Internal/ZLVHTTPHop.h>
+#include <ZolvaCheckoutKit/Platform/Curl/Internal/ZLVHTTPHop.h>
 
 namespace {
 

@@ -4,8 +4,8 @@
 #include <utility>
 #include <variant>
 
-#include <ZolvaCheckoutKit/Platform/Linux/Internal/ZLVCurlTransfer.h>
-#include <ZolvaCheckoutKit/Platform/Linux/Internal/ZLVTransportError.h>
+#include <ZolvaCheckoutKit/Platform/Curl/Internal/ZLVCurlTransfer.h>
+#include <ZolvaCheckoutKit/Platform/Curl/Internal/ZLVTransportError.h>
 
 namespace {
 

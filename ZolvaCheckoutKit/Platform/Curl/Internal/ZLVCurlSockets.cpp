@@ -6,7 +6,7 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
-#include <ZolvaCheckoutKit/Platform/Linux/Internal/ZLVCurlSockets.h>
+#include <ZolvaCheckoutKit/Platform/Curl/Internal/ZLVCurlSockets.h>
 
 namespace {
 

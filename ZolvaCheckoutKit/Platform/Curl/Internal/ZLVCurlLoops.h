@@ -2,7 +2,7 @@
 
 #include <memory>
 
-#include <ZolvaCheckoutKit/Platform/Linux/Internal/ZLVCurlLoop.h>
+#include <ZolvaCheckoutKit/Platform/Curl/Internal/ZLVCurlLoop.h>
 
 /// The loops of this process and what they have in common: libcurl, and the end of the process.
 ///

@@ -6,7 +6,7 @@
 #include <utility>
 #include <vector>
 
-#include <ZolvaCheckoutKit/Core/Helpers/ZLVJSONSerialization.h>
+#include <ZolvaCheckoutKit/Core/Values/ZLVJSONSerialization.h>
 
 // The JSON library is compiled in under a namespace of its own, so that it can never meet another
 // copy that the host links, and without the marks that would export it.
@@ -22,8 +22,8 @@ using boost::ulong_long_type;
 #include <boost/json/src.hpp>
 #undef boost
 
-#include <ZolvaCheckoutKit/Core/Helpers/ZLVDecoded.h>
-#include <ZolvaCheckoutKit/Core/Helpers/ZLVText.h>
+#include <ZolvaCheckoutKit/Core/Values/ZLVDecoded.h>
+#include <ZolvaCheckoutKit/Core/Values/ZLVText.h>
 #include <ZolvaCheckoutKit/ZLVMappable.h>
 
 namespace {

@@ -6,7 +6,7 @@
 #include <variant>
 #include <vector>
 
-#include <ZolvaCheckoutKit/Platform/Linux/Internal/ZLVWebURL.h>
+#include <ZolvaCheckoutKit/Platform/Curl/Internal/ZLVWebURL.h>
 #include <ZolvaCheckoutKit/Platform/ZLVURLSession.h>
 #include <ZolvaCheckoutKit/ZLVError.h>
 

@@ -1,8 +1,8 @@
 #include <utility>
 
-#include <ZolvaCheckoutKit/Platform/Linux/Internal/ZLVCurlLoop.h>
-#include <ZolvaCheckoutKit/Platform/Linux/Internal/ZLVCurlLoops.h>
-#include <ZolvaCheckoutKit/Platform/Linux/Internal/ZLVCurlSession.h>
+#include <ZolvaCheckoutKit/Platform/Curl/Internal/ZLVCurlLoop.h>
+#include <ZolvaCheckoutKit/Platform/Curl/Internal/ZLVCurlLoops.h>
+#include <ZolvaCheckoutKit/Platform/Curl/Internal/ZLVCurlSession.h>
 
 ZLVCurlSession::ZLVCurlSession(ZLVCurlConfiguration configuration,
                                std::optional<std::string> CAFile)

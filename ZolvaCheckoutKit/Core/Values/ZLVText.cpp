@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <cstdlib>
 
-#include <ZolvaCheckoutKit/Core/Helpers/ZLVText.h>
+#include <ZolvaCheckoutKit/Core/Values/ZLVText.h>
 
 std::string ZLVStringWithFormat(std::string_view format,
                                 std::initializer_list<std::optional<std::string_view>> arguments) {

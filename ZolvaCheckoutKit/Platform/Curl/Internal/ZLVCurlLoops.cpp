@@ -5,7 +5,7 @@
 
 #include <unistd.h>
 
-#include <ZolvaCheckoutKit/Platform/Linux/Internal/ZLVCurlLoops.h>
+#include <ZolvaCheckoutKit/Platform/Curl/Internal/ZLVCurlLoops.h>
 
 namespace {
 

@@ -8,8 +8,8 @@
 
 #include <curl/curl.h>
 
-#include <ZolvaCheckoutKit/Platform/Linux/Internal/ZLVCurlSockets.h>
-#include <ZolvaCheckoutKit/Platform/Linux/Internal/ZLVHTTPHop.h>
+#include <ZolvaCheckoutKit/Platform/Curl/Internal/ZLVCurlSockets.h>
+#include <ZolvaCheckoutKit/Platform/Curl/Internal/ZLVHTTPHop.h>
 #include <ZolvaCheckoutKit/Platform/ZLVURLSession.h>
 
 /// What all transfers of a session have in common.

@@ -4,8 +4,8 @@
 #include <string_view>
 #include <utility>
 
-#include <ZolvaCheckoutKit/Platform/Linux/Internal/ZLVTransportError.h>
-#include <ZolvaCheckoutKit/Platform/Linux/Internal/ZLVWebURL.h>
+#include <ZolvaCheckoutKit/Platform/Curl/Internal/ZLVTransportError.h>
+#include <ZolvaCheckoutKit/Platform/Curl/Internal/ZLVWebURL.h>
 
 namespace {
 

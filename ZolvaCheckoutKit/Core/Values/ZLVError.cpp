@@ -1,8 +1,8 @@
 #include <algorithm>
 #include <utility>
 
-#include <ZolvaCheckoutKit/Core/Helpers/ZLVJSONSerialization.h>
-#include <ZolvaCheckoutKit/Core/Helpers/ZLVText.h>
+#include <ZolvaCheckoutKit/Core/Values/ZLVJSONSerialization.h>
+#include <ZolvaCheckoutKit/Core/Values/ZLVText.h>
 #include <ZolvaCheckoutKit/ZLVError.h>
 
 namespace {

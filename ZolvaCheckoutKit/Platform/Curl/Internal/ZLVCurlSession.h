@@ -4,7 +4,7 @@
 #include <optional>
 #include <string>
 
-#include <ZolvaCheckoutKit/Platform/Linux/Internal/ZLVCurlTransfer.h>
+#include <ZolvaCheckoutKit/Platform/Curl/Internal/ZLVCurlTransfer.h>
 #include <ZolvaCheckoutKit/Platform/ZLVURLSession.h>
 
 class ZLVCurlLoop;

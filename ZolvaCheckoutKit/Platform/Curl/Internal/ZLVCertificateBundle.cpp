@@ -4,7 +4,7 @@
 #include <sys/mman.h>
 #include <unistd.h>
 
-#include <ZolvaCheckoutKit/Platform/Linux/Internal/ZLVCertificateBundle.h>
+#include <ZolvaCheckoutKit/Platform/Curl/Internal/ZLVCertificateBundle.h>
 
 namespace {
 

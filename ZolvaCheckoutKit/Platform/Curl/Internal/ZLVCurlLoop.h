@@ -12,9 +12,9 @@
 
 #include <curl/curl.h>
 
-#include <ZolvaCheckoutKit/Platform/Linux/Internal/ZLVCertificateBundle.h>
-#include <ZolvaCheckoutKit/Platform/Linux/Internal/ZLVCurlSockets.h>
-#include <ZolvaCheckoutKit/Platform/Linux/Internal/ZLVCurlTransfer.h>
+#include <ZolvaCheckoutKit/Platform/Curl/Internal/ZLVCertificateBundle.h>
+#include <ZolvaCheckoutKit/Platform/Curl/Internal/ZLVCurlSockets.h>
+#include <ZolvaCheckoutKit/Platform/Curl/Internal/ZLVCurlTransfer.h>
 
 /// A thread that runs transfers with one libcurl multi handle.
 class ZLVCurlLoop {

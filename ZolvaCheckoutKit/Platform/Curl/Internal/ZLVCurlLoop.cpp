@@ -8,8 +8,8 @@
 #include <sys/eventfd.h>
 #include <unistd.h>
 
-#include <ZolvaCheckoutKit/Platform/Linux/Internal/ZLVCurlLoop.h>
-#include <ZolvaCheckoutKit/Platform/Linux/Internal/ZLVCurlLoops.h>
+#include <ZolvaCheckoutKit/Platform/Curl/Internal/ZLVCurlLoop.h>
+#include <ZolvaCheckoutKit/Platform/Curl/Internal/ZLVCurlLoops.h>
 
 namespace {
 
