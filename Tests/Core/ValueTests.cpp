@@ -10,7 +10,7 @@
 #include "ZolvaCheckoutKit/Core/Values/ZLVJSONSerialization.h"
 #include "ZolvaCheckoutKit/Core/Values/ZLVText.h"
 
-using JSON = ZLVJSONSerialization;
+namespace JSON = ZLVJSONSerialization;
 using namespace std::string_view_literals;
 
 namespace {

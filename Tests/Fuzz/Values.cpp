@@ -12,7 +12,7 @@
 
 namespace {
 
-using JSON = ZLVJSONSerialization;
+namespace JSON = ZLVJSONSerialization;
 
 /// Whether `read` is what was written as `written`. JSON knows one kind of number, and no records.
 bool isAlike(const ZLVValue& written, const ZLVValue& read) {

@@ -1,7 +1,7 @@
 #pragma once
 
+#include <cstdint>
 #include <memory>
-#include <optional>
 
 #include <ZolvaCheckoutKit/Platform/ZLVOnce.h>
 #include <ZolvaCheckoutKit/Platform/ZLVViewController.h>
@@ -42,24 +42,4 @@ class ZLV_EXPORT ZLVUserInterface {
 
   /// Hands a URL of another scheme to whatever application claims it. False when it was not taken.
   virtual bool openURL(const ZLVURL& url) = 0;
-};
-
-/// A view controller that shows one web page with a button to close it.
-class ZLV_EXPORT ZLVBrowserViewController : public ZLVViewController {
- public:
-  ~ZLVBrowserViewController() override;
-
-  void setDismissButtonStyle(ZLVDismissButtonStyle style);
-
- protected:
-  explicit ZLVBrowserViewController(std::unique_ptr<ZLVBrowser> browser);
-
-  /// The installed platform's browser for the URL; null for anything but http and https.
-  static std::unique_ptr<ZLVBrowser> browserWithURL(const ZLVURL& url);
-
-  void viewWillAppear(bool animated) override;
-  void viewWillDisappear(bool animated) override;
-
- private:
-  std::unique_ptr<ZLVBrowser> browser_;
 };

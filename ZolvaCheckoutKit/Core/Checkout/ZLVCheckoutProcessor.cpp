@@ -63,15 +63,15 @@ Page pageOf(const Response& response, std::string_view actionName) {
 }
 
 void process(const Flow& flow, std::shared_ptr<ZLVMappable> response, const Page& page,
-             const std::shared_ptr<ZLVViewController>& viewController, ZLVPendingAnswer answer) {
+             const std::shared_ptr<ZLVViewController>& viewController, ZLVCompletion completion) {
   auto& tracker = ZLVAnalyticsTracker::shared();
   if (!page.isWanted) {
     if (flow.passThroughEvent) tracker.trackEventName(*flow.passThroughEvent);
-    return std::move(answer).succeed(std::move(response));
+    return std::move(completion).succeed(std::move(response));
   }
 
   // Shared because the browser's callback is copyable; whoever calls it first uses it up.
-  auto pending = std::make_shared<ZLVPendingAnswer>(std::move(answer));
+  auto pending = std::make_shared<ZLVCompletion>(std::move(completion));
   std::shared_ptr<ZLVWebViewController> browser;
   if (page.URL) {
     browser = ZLVWebViewController::initWithURL(*page.URL, [pending, response, &flow] {
@@ -92,7 +92,7 @@ void process(const Flow& flow, std::shared_ptr<ZLVMappable> response, const Page
 void ZLVCheckoutProcessor::processAccountLinkingWithResponse(
     std::shared_ptr<ZLVLinkAccountResponse> response,
     const std::shared_ptr<ZLVViewController>& viewController,
-    ZLVCompletion<ZLVLinkAccountResult> completion) {
+    ZLVCompletionOf<ZLVLinkAccountResult> completion) {
   const auto page = pageOf(*response, accountLinking.actionName);
   process(accountLinking, std::move(response), page, viewController,
           std::move(completion).untyped());
@@ -101,7 +101,7 @@ void ZLVCheckoutProcessor::processAccountLinkingWithResponse(
 void ZLVCheckoutProcessor::processCreateTransactionWithResponse(
     std::shared_ptr<ZLVTransactionResponse> response,
     const std::shared_ptr<ZLVViewController>& viewController,
-    ZLVCompletion<ZLVTransactionResult> completion) {
+    ZLVCompletionOf<ZLVTransactionResult> completion) {
   const auto page = pageOf(*response, charge.actionName);
   process(charge, std::move(response), page, viewController, std::move(completion).untyped());
 }

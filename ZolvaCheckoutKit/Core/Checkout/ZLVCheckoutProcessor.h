@@ -20,10 +20,10 @@ class ZLVCheckoutProcessor {
   static void processAccountLinkingWithResponse(
       std::shared_ptr<ZLVLinkAccountResponse> response,
       const std::shared_ptr<ZLVViewController>& viewController,
-      ZLVCompletion<ZLVLinkAccountResult> completion);
+      ZLVCompletionOf<ZLVLinkAccountResult> completion);
 
   static void processCreateTransactionWithResponse(
       std::shared_ptr<ZLVTransactionResponse> response,
       const std::shared_ptr<ZLVViewController>& viewController,
-      ZLVCompletion<ZLVTransactionResult> completion);
+      ZLVCompletionOf<ZLVTransactionResult> completion);
 };

@@ -13,8 +13,7 @@ ZLVError abandonedError() {
       {{std::string(NSLocalizedDescriptionKey), "The call ended before it was answered."}});
 }
 
-void recordAndAnswer(ZLVPendingAnswer::Handler handler, std::string_view errorEvent,
-                     ZLVError error) {
+void recordAndAnswer(ZLVCompletion::Handler handler, std::string_view errorEvent, ZLVError error) {
   std::exception_ptr fault;
   try {
     ZLVAnalyticsTracker::shared().trackEventName(errorEvent, error.debugDescription());
@@ -27,10 +26,10 @@ void recordAndAnswer(ZLVPendingAnswer::Handler handler, std::string_view errorEv
 
 }  // namespace
 
-ZLVPendingAnswer::ZLVPendingAnswer(Handler handler, std::string_view errorEvent) noexcept
+ZLVCompletion::ZLVCompletion(Handler handler, std::string_view errorEvent) noexcept
     : handler_(std::move(handler)), errorEvent_(errorEvent) {}
 
-ZLVPendingAnswer::~ZLVPendingAnswer() {
+ZLVCompletion::~ZLVCompletion() {
   if (!isPending()) return;
   // Without this owner in the block: a queue that is destroyed with the block asks no more.
   ZLVPlatform::installed().mainQueue->dispatch([handler = std::move(handler_), event = errorEvent_,
@@ -40,12 +39,12 @@ ZLVPendingAnswer::~ZLVPendingAnswer() {
   });
 }
 
-void ZLVPendingAnswer::succeed(std::shared_ptr<ZLVMappable> record) && {
+void ZLVCompletion::succeed(std::shared_ptr<ZLVMappable> record) && {
   activity_.end();
   std::move(handler_)(std::move(record), std::nullopt);
 }
 
-void ZLVPendingAnswer::fail(ZLVError error) && {
+void ZLVCompletion::fail(ZLVError error) && {
   activity_.end();
   recordAndAnswer(std::move(handler_), errorEvent_, std::move(error));
 }

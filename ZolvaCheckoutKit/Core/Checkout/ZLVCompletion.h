@@ -11,20 +11,20 @@
 #include <ZolvaCheckoutKit/ZLVError.h>
 #include <ZolvaCheckoutKit/ZLVMappable.h>
 
-/// The one owner of a call's answer, made where the call begins and handed along from there.
+/// A completion: the one owner of a call's answer, made where the call begins and handed along.
 ///
 /// It is moved from hand to hand and used up by `succeed` or `fail`, so nothing can answer twice.
 /// Nothing can forget to answer either: an owner that goes away unused, through an exception or
 /// because a backend lost its handler, answers from the main queue.
-class ZLVPendingAnswer {
+class ZLVCompletion {
  public:
   using Handler = ZLVOnce<void(std::shared_ptr<ZLVMappable>, std::optional<ZLVError>)>;
 
   /// `errorEvent`, which outlives this, is recorded before a failure is told.
-  ZLVPendingAnswer(Handler handler, std::string_view errorEvent) noexcept;
-  ZLVPendingAnswer(ZLVPendingAnswer&&) noexcept = default;
-  ZLVPendingAnswer& operator=(ZLVPendingAnswer&&) = delete;
-  ~ZLVPendingAnswer();
+  ZLVCompletion(Handler handler, std::string_view errorEvent) noexcept;
+  ZLVCompletion(ZLVCompletion&&) noexcept = default;
+  ZLVCompletion& operator=(ZLVCompletion&&) = delete;
+  ~ZLVCompletion();
 
   /// Whether the call is still to be answered. Nobody need be listening.
   [[nodiscard]] bool isPending() const noexcept { return activity_.isUnderWay(); }
@@ -48,15 +48,15 @@ class ZLVPendingAnswer {
   ZLVActivity activity_;  // ends when the handler is called
 };
 
-/// A completion: the owner of an answer, with the type of its record.
+/// A completion with the type of its record.
 template <class Record>
-class ZLVCompletion {
+class ZLVCompletionOf {
  public:
   /// Receives the answer on the main thread; may be null.
   using Handler = std::function<void(std::shared_ptr<Record>, std::optional<ZLVError>)>;
 
-  /// The handler as `ZLVPendingAnswer` has it, for a completion of this type.
-  static ZLVPendingAnswer::Handler untyped(Handler handler) {
+  /// The handler without the type, for a completion that will have it.
+  static ZLVCompletion::Handler untyped(Handler handler) {
     if (!handler) return {};
     return [handler = std::move(handler)](std::shared_ptr<ZLVMappable> record,
                                           std::optional<ZLVError> error) {
@@ -64,15 +64,18 @@ class ZLVCompletion {
     };
   }
 
-  /// Of an answer that was made with a handler of this type.
-  explicit ZLVCompletion(ZLVPendingAnswer answer) noexcept : answer_(std::move(answer)) {}
+  /// Of a completion that was made with a handler of this type.
+  explicit ZLVCompletionOf(ZLVCompletion completion) noexcept
+      : completion_(std::move(completion)) {}
 
   /// Answers with the record. Main thread.
-  void succeed(std::shared_ptr<Record> record) && { std::move(answer_).succeed(std::move(record)); }
+  void succeed(std::shared_ptr<Record> record) && {
+    std::move(completion_).succeed(std::move(record));
+  }
 
   /// Goes on without the type: whoever answers vouches for it.
-  ZLVPendingAnswer untyped() && { return std::move(answer_); }
+  ZLVCompletion untyped() && { return std::move(completion_); }
 
  private:
-  ZLVPendingAnswer answer_;
+  ZLVCompletion completion_;
 };

@@ -3,7 +3,7 @@
 #include <functional>
 #include <memory>
 
-#include <ZolvaCheckoutKit/Platform/ZLVUserInterface.h>
+#include <ZolvaCheckoutKit/Core/Checkout/ZLVBrowserViewController.h>
 #include <ZolvaCheckoutKit/ZLVURL.h>
 
 /// Shows a page of the wallet and tells when it is gone.

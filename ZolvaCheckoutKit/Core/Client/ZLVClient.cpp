@@ -53,7 +53,7 @@ void requireReadiness(std::string_view call) {
 /// The record that the answer is read into. One that does not fit is a fault, and an error for the
 /// completion, which the fault is about to unwind.
 template <class Record>
-std::shared_ptr<Record> mapped(const ZLVValue& answer, ZLVPendingAnswer& pending) {
+std::shared_ptr<Record> mapped(const ZLVValue& answer, ZLVCompletion& pending) {
   try {
     return Record::initWithDictionary(answer);
   } catch (const ZLVProgrammingFault& fault) {
@@ -63,12 +63,12 @@ std::shared_ptr<Record> mapped(const ZLVValue& answer, ZLVPendingAnswer& pending
 }
 
 /// What becomes of a dictionary that the server has answered.
-using Accept = ZLVOnce<void(const ZLVValue& answer, ZLVPendingAnswer pending)>;
+using Accept = ZLVOnce<void(const ZLVValue& answer, ZLVCompletion pending)>;
 
 /// Sends the call. A dictionary that comes back goes to `accept`; an error, or an answer of another
 /// kind, completes.
 void perform(const Operation& operation, std::string_view accountID, ZLVValue parameters,
-             ZLVPendingAnswer::Handler handler, Accept accept) {
+             ZLVCompletion::Handler handler, Accept accept) {
   requireReadiness(operation.name);
   const auto& baseURL =
       required(ZLVVendor::shared().merchantSeverURL(),
@@ -79,7 +79,7 @@ void perform(const Operation& operation, std::string_view accountID, ZLVValue pa
   auto& network = ZLVNetwork::shared();
 
   // Nothing above may have answered: what throws there is for the caller alone.
-  ZLVPendingAnswer pending(std::move(handler), operation.errorEvent);
+  ZLVCompletion pending(std::move(handler), operation.errorEvent);
   network.request(service, [accept = std::move(accept), pending = std::move(pending)](
                                const ZLVValue& answer, std::optional<ZLVError> error) mutable {
     if (!error && answer.dictionary() == nullptr) error = ZLVJSONSerialization::notAnObjectError();
@@ -93,8 +93,8 @@ template <class Record>
 void performWithoutPage(const Operation& operation, const ZLVClient::Text& accountID,
                         std::string_view successEvent, ZLVCompletionHandler<Record> handler) {
   perform(operation, required(accountID, "account id", operation), {},
-          ZLVCompletion<Record>::untyped(std::move(handler)),
-          [successEvent](const ZLVValue& answer, ZLVPendingAnswer pending) {
+          ZLVCompletionOf<Record>::untyped(std::move(handler)),
+          [successEvent](const ZLVValue& answer, ZLVCompletion pending) {
             ZLVAnalyticsTracker::shared().trackEventName(successEvent);
             auto record = mapped<Record>(answer, pending);
             std::move(pending).succeed(std::move(record));
@@ -122,14 +122,14 @@ void ZLVClient::linkAccountWithPaymentType(Text paymentType,
       {std::string(paymentTypeKey), required(paymentType, "payment type", linkAccount)}};
   if (zolvaPartnerDetails != nullptr) body.merge(zolvaPartnerDetails->dictionaryValue());
 
-  using Completion = ZLVCompletion<ZLVLinkAccountResult>;
-  perform(linkAccount, {}, std::move(body), Completion::untyped(std::move(completion)),
-          [viewController = std::move(viewController)](const ZLVValue& answer,
-                                                       ZLVPendingAnswer pending) {
-            auto response = mapped<ZLVLinkAccountResponse>(answer, pending);
-            ZLVCheckoutProcessor::processAccountLinkingWithResponse(
-                std::move(response), viewController, Completion(std::move(pending)));
-          });
+  using Completion = ZLVCompletionOf<ZLVLinkAccountResult>;
+  perform(
+      linkAccount, {}, std::move(body), Completion::untyped(std::move(completion)),
+      [viewController = std::move(viewController)](const ZLVValue& answer, ZLVCompletion pending) {
+        auto response = mapped<ZLVLinkAccountResponse>(answer, pending);
+        ZLVCheckoutProcessor::processAccountLinkingWithResponse(std::move(response), viewController,
+                                                                Completion(std::move(pending)));
+      });
 }
 
 void ZLVClient::enquireAccountWithAccountID(Text accountID,
@@ -165,14 +165,14 @@ void ZLVClient::createTransactionWithPaymentType(
     body.set("item_details", std::move(items));
   }
 
-  using Completion = ZLVCompletion<ZLVTransactionResult>;
-  perform(call, {}, std::move(body), Completion::untyped(std::move(completion)),
-          [viewController = std::move(viewController)](const ZLVValue& answer,
-                                                       ZLVPendingAnswer pending) {
-            auto response = mapped<ZLVTransactionResponse>(answer, pending);
-            ZLVCheckoutProcessor::processCreateTransactionWithResponse(
-                std::move(response), viewController, Completion(std::move(pending)));
-          });
+  using Completion = ZLVCompletionOf<ZLVTransactionResult>;
+  perform(
+      call, {}, std::move(body), Completion::untyped(std::move(completion)),
+      [viewController = std::move(viewController)](const ZLVValue& answer, ZLVCompletion pending) {
+        auto response = mapped<ZLVTransactionResponse>(answer, pending);
+        ZLVCheckoutProcessor::processCreateTransactionWithResponse(
+            std::move(response), viewController, Completion(std::move(pending)));
+      });
 }
 
 void ZLVClient::handleCallbackUrl(const ZLVURL& url) {

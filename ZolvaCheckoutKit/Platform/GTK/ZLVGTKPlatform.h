@@ -44,28 +44,27 @@ struct ZLVGTKHandlers {
 /// Screen readers find the bar and whatever the browser says itself, but not what the page holds
 /// before GTK 4.14 and a WebKitGTK (2.44 or later) built with that: an older GTK has no place for
 /// the tree of another process, and the page is an empty panel to them.
-class ZLV_EXPORT ZLVGTKPlatform {
- public:
-  ZLVGTKPlatform() = delete;
+namespace ZLVGTKPlatform {
 
-  /// A platform whose parts the host may replace before it installs it. Main thread, once, before
-  /// or after `application` has started, best before other threads are: where the web engine's
-  /// sandbox cannot work, the environment is changed. `application` is not kept alive.
-  /// Throws `ZLVProgrammingFault` when there is no application or no application version.
-  [[nodiscard]] static ZLVPlatform platformWithApplication(GtkApplication* application,
-                                                           ZLVLinuxOptions options,
-                                                           ZLVGTKHandlers handlers = {});
+/// A platform whose parts the host may replace before it installs it. Main thread, once, before
+/// or after `application` has started, best before other threads are: where the web engine's
+/// sandbox cannot work, the environment is changed. `application` is not kept alive.
+/// Throws `ZLVProgrammingFault` when there is no application or no application version.
+[[nodiscard]] ZLV_EXPORT ZLVPlatform platformWithApplication(GtkApplication* application,
+                                                             ZLVLinuxOptions options,
+                                                             ZLVGTKHandlers handlers = {});
 
-  /// Runs the main loop until nothing of the library's is under way: every call has completed, the
-  /// page that it showed is gone, and every usage event was sent or has failed. What a completion
-  /// starts is waited for too. Returns false when something is still under way after `limit`. Call
-  /// it after g_application_run(), or the last events are lost with the process. Main thread.
-  static bool runUntilIdle(std::chrono::milliseconds limit);
+/// Runs the main loop until nothing of the library's is under way: every call has completed, the
+/// page that it showed is gone, and every usage event was sent or has failed. What a completion
+/// starts is waited for too. Returns false when something is still under way after `limit`. Call
+/// it after g_application_run(), or the last events are lost with the process. Main thread.
+ZLV_EXPORT bool runUntilIdle(std::chrono::milliseconds limit);
 
-  /// The view controller of a window, made on the first call and kept until the window goes, which
-  /// also ends what it presents. The window's own widgets stay as they are. It is the window's root
-  /// view controller, or, once it is pushed on a `ZLVNavigationController`, that one is. Main
-  /// thread, after GTK's start. Throws `ZLVProgrammingFault` when there is no window.
-  [[nodiscard]] static std::shared_ptr<ZLVViewController> viewControllerForWindow(
-      GtkWindow* window);
-};
+/// The view controller of a window, made on the first call and kept until the window goes, which
+/// also ends what it presents. The window's own widgets stay as they are. It is the window's root
+/// view controller, or, once it is pushed on a `ZLVNavigationController`, that one is. Main
+/// thread, after GTK's start. Throws `ZLVProgrammingFault` when there is no window.
+[[nodiscard]] ZLV_EXPORT std::shared_ptr<ZLVViewController> viewControllerForWindow(
+    GtkWindow* window);
+
+}  // namespace ZLVGTKPlatform

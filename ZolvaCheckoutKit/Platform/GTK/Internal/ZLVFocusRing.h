@@ -4,8 +4,9 @@
 
 /// A vertical box that the Tab key does not lead out of: after its last widget comes its first. A
 /// key is only for the widget that had the focus when it was pressed.
-class ZLVFocusRing {
- public:
-  /// A floating reference, as of any new widget.
-  static GtkWidget* make(GtkAccessibleRole role);
-};
+namespace ZLVFocusRing {
+
+/// A floating reference, as of any new widget.
+GtkWidget* make(GtkAccessibleRole role);
+
+}  // namespace ZLVFocusRing

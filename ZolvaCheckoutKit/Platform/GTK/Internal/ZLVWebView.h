@@ -5,14 +5,15 @@
 #include <ZolvaCheckoutKit/Platform/GTK/Internal/ZLVGObject.h>
 
 /// How the engine is set up for a page that one pays on.
-class ZLVWebView {
- public:
-  /// Of our own scripts: a page's neither see what is in it nor can send its messages.
-  static constexpr const char* scriptWorld = "ZolvaCheckoutKit";
+namespace ZLVWebView {
 
-  /// A view on `session` with everything off that such a page has no need of.
-  static ZLVGObject<WebKitWebView> make(WebKitNetworkSession* session);
+/// Of our own scripts: a page's neither see what is in it nor can send its messages.
+inline constexpr const char* scriptWorld = "ZolvaCheckoutKit";
 
-  /// Leaves only the menu's items for editing text: the others lead out of the view.
-  static void restrictContextMenu(WebKitContextMenu* menu);
-};
+/// A view on `session` with everything off that such a page has no need of.
+ZLVGObject<WebKitWebView> make(WebKitNetworkSession* session);
+
+/// Leaves only the menu's items for editing text: the others lead out of the view.
+void restrictContextMenu(WebKitContextMenu* menu);
+
+}  // namespace ZLVWebView

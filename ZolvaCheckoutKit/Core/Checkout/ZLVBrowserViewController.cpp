@@ -1,7 +1,7 @@
 #include <utility>
 
+#include <ZolvaCheckoutKit/Core/Checkout/ZLVBrowserViewController.h>
 #include <ZolvaCheckoutKit/Platform/ZLVPlatform.h>
-#include <ZolvaCheckoutKit/Platform/ZLVUserInterface.h>
 
 ZLVBrowserViewController::ZLVBrowserViewController(std::unique_ptr<ZLVBrowser> browser)
     : browser_(std::move(browser)) {}
