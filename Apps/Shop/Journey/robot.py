@@ -55,7 +55,7 @@ class Robot:
         environment = self._environment(program.parent / "share")
         self.errors = open(self.output / "errors.txt", "wb")
         display = self._announced(
-            ["Xvfb", "-displayfd", "{fd}", "-screen", "0", "%dx%dx24" % self.size,
+            ["Xvfb", "-displayfd", "{fd}", "-r", "-screen", "0", "%dx%dx24" % self.size,
              "-nolisten", "tcp", "-noreset"], environment)
         environment["DISPLAY"] = ":" + display
         environment["DBUS_SESSION_BUS_ADDRESS"] = self._announced(

@@ -27,15 +27,19 @@ gboolean moveFocus(GtkWidget* ring, GtkDirectionType direction) noexcept {
 /// The last keys, and where they went.
 class KeyFilter {
  public:
-  /// Whether the key is an old one that another widget has the focus for by now. The web engine
-  /// gives back what a page had no use for, the Tab too by which it has just passed on the focus.
+  /// Whether the key is an old one, and another widget has had the focus since. The web engine
+  /// gives back what a page had no use for, the Tab too by which it has just passed on the focus;
+  /// it may be slow to, and the focus back by then.
   bool isLate(GtkEventController* keys) {
     GdkEvent* const event = gtk_event_controller_get_current_event(keys);
     GtkRoot* const root = gtk_widget_get_root(gtk_event_controller_get_widget(keys));
     const GtkWidget* const focus = gtk_root_get_focus(root);
     const auto known =
         std::ranges::find(pressed_, event, [](auto& key) { return key.event.get(); });
-    if (known != pressed_.end()) return focus != known->focus;
+    if (known != pressed_.end()) {
+      const auto isElsewhere = [&](const Key& key) { return key.focus != known->focus; };
+      return focus != known->focus || std::any_of(known, pressed_.end(), isElsewhere);
+    }
     constexpr std::size_t enough = 16;
     if (pressed_.size() == enough) pressed_.pop_front();
     pressed_.push_back({Event(gdk_event_ref(event)), focus});
