@@ -15,7 +15,7 @@ check_pie_supported(LANGUAGES CXX)
 add_compile_options(-ffunction-sections -fdata-sections)
 add_link_options(LINKER:--gc-sections)
 
-if(ZLV_DEVELOPER)
+if(ZLV_WARNINGS_AS_ERRORS)
   add_compile_options(-Wall -Wextra -Wpedantic -Wconversion -Wshadow -Werror)
   if(CMAKE_CXX_COMPILER_ID STREQUAL GNU AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
     add_compile_options(-Wno-restrict) # sees overlaps in the concatenation of strings

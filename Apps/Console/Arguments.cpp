@@ -4,7 +4,9 @@
 #include <array>
 #include <charconv>
 #include <cmath>
+#include <functional>
 #include <string_view>
+#include <type_traits>
 #include <utility>
 
 #include <CLI/CLI.hpp>
@@ -103,8 +105,7 @@ class Parser {
     auto* sandbox = add("sandbox", "Run a sandbox server until interrupted", sandbox_);
     sandbox->add_option("--port", sandbox_.port, "Port; the system chooses without one")
         ->type_name("N");
-    add("demo", "Tell the whole journey, step by step, against a sandbox of its own",
-        DemoCommand());
+    add("demo", "Tell the whole journey, step by step, against a sandbox of its own", demo_);
   }
 
   std::variant<Invocation, Usage> parse(std::vector<std::string> arguments) {
@@ -136,10 +137,10 @@ class Parser {
  private:
   /// A subcommand that, when it is chosen, makes `command` the one to run.
   template <class Kind>
-  CLI::App* add(const std::string& name, const std::string& description, Kind&& command) {
+  CLI::App* add(const std::string& name, const std::string& description, Kind& command) {
     auto* subcommand = app_.add_subcommand(name, description)->fallthrough();
-    subcommand->callback([this, &command, server = name != "sandbox" && name != "demo"] {
-      needsServer_ = server;
+    subcommand->callback([this, &command] {
+      needsServer_ = std::is_base_of_v<ServerCommand, Kind>;
       select_ = [this, &command] { invocation_.command = command; };
     });
     return subcommand;
@@ -183,6 +184,7 @@ class Parser {
   UnlinkCommand unlink_;
   ChargeCommand charge_;
   SandboxCommand sandbox_;
+  DemoCommand demo_;
   std::string amount_;
   std::vector<std::string> items_;
   bool needsServer_ = false;

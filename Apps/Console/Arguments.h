@@ -20,16 +20,19 @@ struct ConsoleOptions {
   std::optional<std::string> openWith;
 };
 
-struct LinkCommand {
+/// A command that calls the merchant server, which it must be told.
+struct ServerCommand {};
+
+struct LinkCommand : ServerCommand {
   std::string paymentType, phoneNumber, countryCode;
 };
-struct EnquireCommand {
+struct EnquireCommand : ServerCommand {
   std::string accountID;
 };
-struct UnlinkCommand {
+struct UnlinkCommand : ServerCommand {
   std::string accountID;
 };
-struct ChargeCommand {
+struct ChargeCommand : ServerCommand {
   std::string paymentType, accountID, paymentOptionToken;
   ZLVValue grossAmount;
   std::string orderID, currency;
