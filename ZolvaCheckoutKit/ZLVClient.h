@@ -4,6 +4,7 @@
 #include <memory>
 #include <optional>
 
+#include <ZolvaCheckoutKit/ZLVAccountInfo.h>
 #include <ZolvaCheckoutKit/ZLVAccountRecords.h>
 #include <ZolvaCheckoutKit/ZLVError.h>
 #include <ZolvaCheckoutKit/ZLVExport.h>

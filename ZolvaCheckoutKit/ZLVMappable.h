@@ -8,18 +8,23 @@
 #include <ZolvaCheckoutKit/ZLVExport.h>
 #include <ZolvaCheckoutKit/ZLVValue.h>
 
-/// What every wire record offers: it is read from a decoded JSON dictionary by a static
-/// `initWithDictionary(dictionary)` of its class and turns itself back into one.
+/// What every wire record offers: a static `initWithDictionary(dictionary)` of its class makes it
+/// from a decoded JSON dictionary, and `dictionaryValue()` turns it back into one.
 ///
-/// Records are plain and mutable: one getter and one setter for each field, no locks, no value
-/// equality. A getter refers to the field, so keep the record while you use what it hands out. A
-/// field that was filled from an answer holds exactly what the server sent, whatever its kind.
-/// `initWithDictionary` never reports an error for a missing, null or unexpected plain value; it
-/// throws `ZLVProgrammingFault` where an array or a dictionary is needed and something else stands.
+/// Records are plain and mutable: they have one getter and one setter for each field, no locks and
+/// no value equality. A getter refers to the field, so keep the record while you use what it hands
+/// out; of a temporary record it copies.
+///
+/// Most fields are a `ZLVValue`, and hold exactly what the server sent, whatever its kind. The kind
+/// that a field's description names is the usual one: ask the value for it, and expect nothing.
+/// `initWithDictionary` reports no error for a missing, null or unexpected plain value; it throws
+/// `ZLVProgrammingFault` where an array or a dictionary is needed and something else stands.
 class ZLV_EXPORT ZLVMappable {
  public:
   ZLVMappable() = default;
+  /// Copies what the fields hold; nested records are shared.
   ZLVMappable(const ZLVMappable&) = default;
+  /// As the copy constructor does.
   ZLVMappable& operator=(const ZLVMappable&) = default;
   virtual ~ZLVMappable() = default;
 
@@ -35,24 +40,13 @@ using ZLVRecord = std::shared_ptr<Record>;
 template <class Record>
 using ZLVRecords = std::optional<std::vector<std::shared_ptr<Record>>>;
 
-// A record class names its fields in one table, a macro that applies its argument to
-//   (type, getter, setter, JSON key [, key read where it differs from the key written])
-// for every field, in reading order. The field's type decides how it is read and written.
+/// Where a record stores a boolean. It fills its place: a record has no gaps, and the table of its
+/// fields is checked against its size.
+struct alignas(void*) ZLVFlag {
+  /// What is stored.
+  bool isSet = false;
+};
 
-/// Declares the accessors and the storage of the fields of a table.
-#define ZLV_DECLARE_FIELD(Type, getter, setter, ...)              \
- public:                                                          \
-  [[nodiscard]] const Type& getter() const& { return getter##_; } \
-  [[nodiscard]] Type getter() const&& { return getter##_; }       \
-  void setter(Type value) { getter##_ = std::move(value); }       \
-                                                                  \
- private:                                                         \
-  Type getter##_{};
-
-/// Declares a record class's mapping and the fields of its table.
-#define ZLV_DECLARE_RECORD(Class, FIELDS)                                       \
- public:                                                                        \
-  /** Reads a record; an absent dictionary reads as an empty one. */            \
-  static std::shared_ptr<Class> initWithDictionary(const ZLVValue& dictionary); \
-  [[nodiscard]] ZLVDictionary dictionaryValue() const override;                 \
-  FIELDS(ZLV_DECLARE_FIELD)
+/// The keys, members and rules of a record class, which the source of the class defines.
+template <class Record>
+struct ZLVFieldsOf;

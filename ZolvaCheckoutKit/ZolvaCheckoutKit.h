@@ -4,6 +4,7 @@
 
 #include <ZolvaCheckoutKit/Platform/ZLVActivity.h>
 #include <ZolvaCheckoutKit/Platform/ZLVPlatform.h>
+#include <ZolvaCheckoutKit/ZLVAccountInfo.h>
 #include <ZolvaCheckoutKit/ZLVAccountRecords.h>
 #include <ZolvaCheckoutKit/ZLVClient.h>
 #include <ZolvaCheckoutKit/ZLVError.h>

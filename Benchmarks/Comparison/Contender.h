@@ -9,7 +9,7 @@
 #include <string_view>
 
 #include <ZolvaCheckoutKit/Platform/ZLVPlatform.h>
-#include <ZolvaCheckoutKit/ZLVAccountRecords.h>
+#include <ZolvaCheckoutKit/ZLVAccountInfo.h>
 
 using Record = std::shared_ptr<ZLVAccountInfo>;
 

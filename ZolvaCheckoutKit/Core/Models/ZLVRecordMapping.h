@@ -1,82 +1,132 @@
 #pragma once
 
+#include <cstddef>
+#include <memory>
+#include <span>
 #include <string_view>
+#include <variant>
 
-#include <ZolvaCheckoutKit/Core/Helpers/extract.h>
 #include <ZolvaCheckoutKit/Core/Helpers/parse.h>
-#include <ZolvaCheckoutKit/ZLVError.h>
 #include <ZolvaCheckoutKit/ZLVMappable.h>
 
-// How a record's field table becomes its reading and writing.
+// How a record is read and written: by the table of its fields, which `ZLVFieldsOf` holds for each
+// class.
 
-/// The key of a field; most are read from the key they are written to.
-struct ZLVFieldKey {
-  std::string_view written;
-  std::string_view read = written;
+/// How a field that holds records is read and written, whatever their class.
+struct ZLVNestingRule {
+  void (*read)(ZLVMappable& record, const ZLVValue& value);
+  ZLVValue (*write)(const ZLVMappable& record);
+  std::size_t size;
 };
 
-/// How a field of a type is read from the value under its key and written back.
-template <class Field>
-struct ZLVFieldMapping;
-
-/// A plain field holds what stood there.
-template <>
-struct ZLVFieldMapping<ZLVValue> {
-  static ZLVValue read(ZLVValue value) { return value; }
-  static const ZLVValue& write(const ZLVValue& field) { return field; }
-};
-
-/// A boolean is true where anything stands at all.
-template <>
-struct ZLVFieldMapping<bool> {
-  static bool read(const ZLVValue& value) { return !value.isAbsent(); }
-  static ZLVValue write(bool field) { return field; }
-};
+template <auto member>
+struct ZLVNesting;
 
 /// A nested record is always made, and written as itself.
-template <class Record>
-struct ZLVFieldMapping<ZLVRecord<Record>> {
-  static ZLVRecord<Record> read(const ZLVValue& value) { return Record::initWithDictionary(value); }
-  static ZLVValue write(const ZLVRecord<Record>& field) { return field; }
+template <class Record, class Nested, ZLVRecord<Nested> Record::*member>
+struct ZLVNesting<member> {
+  static void read(ZLVMappable& record, const ZLVValue& value) {
+    static_cast<Record&>(record).*member = Nested::initWithDictionary(value);
+  }
+  static ZLVValue write(const ZLVMappable& record) {
+    return static_cast<const Record&>(record).*member;
+  }
+  static constexpr ZLVNestingRule rule{read, write, sizeof(ZLVRecord<Nested>)};
 };
 
 /// A list of records is made only where a list stands, and written as dictionaries.
-template <class Record>
-struct ZLVFieldMapping<ZLVRecords<Record>> {
-  static ZLVRecords<Record> read(const ZLVValue& value) { return parse::mapToArray<Record>(value); }
-  static ZLVValue write(const ZLVRecords<Record>& field) {
-    if (!field) return {};
-    return parse::dictionaryValues(ZLVArray(field->begin(), field->end()));
+template <class Record, class Nested, ZLVRecords<Nested> Record::*member>
+struct ZLVNesting<member> {
+  static void read(ZLVMappable& record, const ZLVValue& value) {
+    static_cast<Record&>(record).*member = parse::mapToArray<Nested>(value);
   }
+  static ZLVValue write(const ZLVMappable& record) {
+    const auto& records = static_cast<const Record&>(record).*member;
+    if (!records) return {};
+    return parse::dictionaryValues(ZLVArray(records->begin(), records->end()));
+  }
+  static constexpr ZLVNestingRule rule{read, write, sizeof(ZLVRecords<Nested>)};
 };
 
-/// The dictionary to read a record from. Throws `ZLVProgrammingFault` where something else stands.
-inline const ZLVDictionary& ZLVDictionaryOfRecord(const ZLVValue& value, std::string_view record) {
-  static const ZLVDictionary empty;
-  if (value.isAbsent()) return empty;
-  if (value.dictionary() != nullptr) return *value.dictionary();
-  throw parse::misfit(record, "a dictionary", value);
+/// A member of some record class. Its type is the rule: a value holds what stands under the key, a
+/// flag is set where anything stands at all, and records nest.
+class ZLVMember {
+ public:
+  using Value = ZLVValue ZLVMappable::*;
+  using Flag = ZLVFlag ZLVMappable::*;
+  using Records = const ZLVNestingRule*;
+
+  template <class Record>
+  constexpr ZLVMember(ZLVValue Record::*member) : member_(static_cast<Value>(member)) {}
+  template <class Record>
+  constexpr ZLVMember(ZLVFlag Record::*member) : member_(static_cast<Flag>(member)) {}
+  constexpr ZLVMember(const ZLVNestingRule& rule) : member_(&rule) {}
+
+  void read(ZLVMappable& record, ZLVValue value) const;
+  [[nodiscard]] ZLVValue write(const ZLVMappable& record) const;
+
+  [[nodiscard]] constexpr std::size_t size() const {
+    if (const auto* rule = std::get_if<Records>(&member_)) return (*rule)->size;
+    return std::holds_alternative<Flag>(member_) ? sizeof(ZLVFlag) : sizeof(ZLVValue);
+  }
+  friend constexpr bool operator==(const ZLVMember&, const ZLVMember&) = default;
+
+ private:
+  std::variant<Value, Flag, Records> member_;
+};
+
+/// A field: most are read from the key that they are written to.
+struct ZLVField {
+  std::string_view key;
+  ZLVMember member;
+  std::string_view keyRead = key;
+};
+
+/// The fields of a record class in reading order, behind those of the table that it continues.
+struct ZLVRecordTable {
+  std::string_view record;  ///< The class, as a fault names it.
+  std::span<const ZLVField> fields;
+  const ZLVRecordTable* start = nullptr;
+};
+
+/// Whether the table has each member of a record of so many bytes, and has it once.
+constexpr bool ZLVHasEveryMemberOnce(const ZLVRecordTable& table, std::size_t size) {
+  std::size_t inTable = sizeof(ZLVMappable);
+  for (const auto* part = &table; part != nullptr; part = part->start) {
+    for (const auto& field : part->fields) {
+      inTable += field.member.size();
+      for (const auto* otherPart = part; otherPart != nullptr; otherPart = otherPart->start) {
+        for (const auto& other : otherPart->fields) {
+          if (&field == &other) continue;
+          if (field.member == other.member || field.key == other.key) return false;
+        }
+      }
+    }
+  }
+  return inTable == size;
 }
 
-#define ZLV_READ_FIELD(Type, getter, setter, ...) \
-  record->setter(ZLVFieldMapping<Type>::read(     \
-      extract::objectOrNilForKey(fields, ZLVFieldKey{__VA_ARGS__}.read)));
+/// Fills a new record. Throws `ZLVProgrammingFault` where something other than a dictionary stands.
+void ZLVReadRecord(ZLVMappable& record, const ZLVRecordTable& table, const ZLVValue& value);
 
-#define ZLV_WRITE_FIELD(Type, getter, setter, ...) \
-  dictionary.set(ZLVFieldKey{__VA_ARGS__}.written, ZLVFieldMapping<Type>::write(getter()));
+/// What the fields hold that hold anything.
+ZLVDictionary ZLVWrittenRecord(const ZLVMappable& record, const ZLVRecordTable& table);
 
-#define ZLV_DEFINE_READING(Class, FIELDS)                                        \
-  std::shared_ptr<Class> Class::initWithDictionary(const ZLVValue& dictionary) { \
-    const auto& fields = ZLVDictionaryOfRecord(dictionary, #Class);              \
-    auto record = std::make_shared<Class>();                                     \
-    FIELDS(ZLV_READ_FIELD)                                                       \
-    return record;                                                               \
-  }
+template <class Record>
+std::shared_ptr<Record> ZLVRecordWithDictionary(const ZLVValue& dictionary) {
+  constexpr auto& table = ZLVFieldsOf<Record>::table;
+  static_assert(ZLVHasEveryMemberOnce(table, sizeof(Record)),
+                "a member is missing or is there twice");
+  auto record = std::make_shared<Record>();
+  ZLVReadRecord(*record, table, dictionary);
+  return record;
+}
 
-#define ZLV_DEFINE_RECORD(Class, FIELDS)         \
-  ZLV_DEFINE_READING(Class, FIELDS)              \
-  ZLVDictionary Class::dictionaryValue() const { \
-    ZLVDictionary dictionary;                    \
-    FIELDS(ZLV_WRITE_FIELD)                      \
-    return dictionary;                           \
+/// Defines a record class's mapping by its table. Undefined again at the end of each file.
+#define ZLV_MAP_BY_TABLE(Record)                                                   \
+  std::shared_ptr<Record> Record::initWithDictionary(const ZLVValue& dictionary) { \
+    return ZLVRecordWithDictionary<Record>(dictionary);                            \
+  }                                                                                \
+  ZLVDictionary Record::dictionaryValue() const {                                  \
+    return ZLVWrittenRecord(*this, ZLVFieldsOf<Record>::table);                    \
   }

@@ -4,17 +4,69 @@
 #include <ZolvaCheckoutKit/ZLVRequestRecords.h>
 #include <ZolvaCheckoutKit/ZLVVendor.h>
 
-ZLV_DEFINE_READING(ZLVPartnerDetails, ZLV_PARTNER_DETAILS_FIELDS)
-ZLV_DEFINE_RECORD(ZLVZolvaDetails, ZLV_ZOLVA_DETAILS_FIELDS)
-ZLV_DEFINE_RECORD(ZLVTransactionDetails, ZLV_TRANSACTION_DETAILS_FIELDS)
-ZLV_DEFINE_RECORD(ZLVCustomerDetails, ZLV_CUSTOMER_DETAILS_FIELDS)
-ZLV_DEFINE_RECORD(ZLVItemDetails, ZLV_ITEM_FIELDS)
+template <>
+struct ZLVFieldsOf<ZLVPartnerDetails> {
+  using Record = ZLVPartnerDetails;
+  static constexpr ZLVField fields[] = {{"phone_number", &Record::phoneNumber_},
+                                        {"country_code", &Record::countryCode_},
+                                        {"redirect_url", &Record::callbackUrl_}};
+  static constexpr ZLVRecordTable table{"ZLVPartnerDetails", fields};
+};
+
+std::shared_ptr<ZLVPartnerDetails> ZLVPartnerDetails::initWithDictionary(
+    const ZLVValue& dictionary) {
+  return ZLVRecordWithDictionary<ZLVPartnerDetails>(dictionary);
+}
 
 ZLVDictionary ZLVPartnerDetails::dictionaryValue() const {
-  ZLVDictionary dictionary;
-  ZLV_PARTNER_DETAILS_FIELDS(ZLV_WRITE_FIELD)
-  return {{"zolva_partner", std::move(dictionary)}};
+  return {{"zolva_partner", ZLVWrittenRecord(*this, ZLVFieldsOf<ZLVPartnerDetails>::table)}};
 }
+
+template <>
+struct ZLVFieldsOf<ZLVZolvaDetails> {
+  using Record = ZLVZolvaDetails;
+  static constexpr ZLVField fields[] = {{"account_id", &Record::accountID_},
+                                        {"payment_option_token", &Record::paymentOptionToken_},
+                                        {"callback_url", &Record::callbackUrl_},
+                                        {"enable_callback", &Record::callbackEnabled_}};
+  static constexpr ZLVRecordTable table{"ZLVZolvaDetails", fields};
+};
+ZLV_MAP_BY_TABLE(ZLVZolvaDetails)
+
+template <>
+struct ZLVFieldsOf<ZLVTransactionDetails> {
+  using Record = ZLVTransactionDetails;
+  static constexpr ZLVField fields[] = {{"gross_amount", &Record::grossAmount_},
+                                        {"order_id", &Record::orderID_},
+                                        {"currency", &Record::currency_}};
+  static constexpr ZLVRecordTable table{"ZLVTransactionDetails", fields};
+};
+ZLV_MAP_BY_TABLE(ZLVTransactionDetails)
+
+template <>
+struct ZLVFieldsOf<ZLVCustomerDetails> {
+  using Record = ZLVCustomerDetails;
+  static constexpr ZLVField fields[] = {{"phone", &Record::phoneNumber_},
+                                        {"first_name", &Record::firstName_, "phone"},
+                                        {"last_name", &Record::lastName_, "phone"},
+                                        {"email", &Record::email_, "phone"}};
+  static constexpr ZLVRecordTable table{"ZLVCustomerDetails", fields};
+};
+ZLV_MAP_BY_TABLE(ZLVCustomerDetails)
+
+template <>
+struct ZLVFieldsOf<ZLVItemDetails> {
+  using Record = ZLVItemDetails;
+  static constexpr ZLVField fields[] = {{"id", &Record::itemID_},
+                                        {"name", &Record::name_},
+                                        {"price", &Record::price_},
+                                        {"quantity", &Record::quantity_},
+                                        {"category", &Record::category_}};
+  static constexpr ZLVRecordTable table{"ZLVItemDetails", fields};
+};
+ZLV_MAP_BY_TABLE(ZLVItemDetails)
+
+#undef ZLV_MAP_BY_TABLE
 
 std::shared_ptr<ZLVPartnerDetails> ZLVPartnerDetails::initWithPhoneNumber(ZLVValue phoneNumber,
                                                                           ZLVValue countryCode) {
