@@ -40,9 +40,9 @@ using ZLVRecord = std::shared_ptr<Record>;
 template <class Record>
 using ZLVRecords = std::optional<std::vector<std::shared_ptr<Record>>>;
 
-/// Where a record stores a boolean. It fills its place: a record has no gaps, and the table of its
-/// fields is checked against its size.
-struct alignas(void*) ZLVFlag {
+/// Where a record stores a boolean. It leaves no gap behind it in which another member could hide:
+/// the table of a record's fields is checked against its size.
+struct alignas(ZLVValue) ZLVFlag {
   /// What is stored.
   bool isSet = false;
 };

@@ -1,6 +1,13 @@
 #include <ZolvaCheckoutKit/Core/Helpers/extract.h>
 
-ZLVValue extract::objectOrNilForKey(const ZLVDictionary& dictionary, std::string_view key) {
+namespace {
+
+const ZLVValue nothing;
+
+}  // namespace
+
+const ZLVValue& extract::objectOrNilForKey(const ZLVDictionary& dictionary,
+                                           std::string_view key) noexcept {
   const auto& value = dictionary[key];
-  return value.isNull() ? ZLVValue() : value;
+  return value.isNull() ? nothing : value;
 }

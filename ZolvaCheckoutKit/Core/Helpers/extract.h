@@ -6,7 +6,8 @@
 
 namespace extract {
 
-/// The value under the key; absent when the key is missing or holds null.
-ZLVValue objectOrNilForKey(const ZLVDictionary& dictionary, std::string_view key);
+/// The value under the key, which the dictionary keeps; absent when the key is missing or holds
+/// null.
+const ZLVValue& objectOrNilForKey(const ZLVDictionary& dictionary, std::string_view key) noexcept;
 
 }  // namespace extract

@@ -1,11 +1,9 @@
-#include <utility>
-
 #include <ZolvaCheckoutKit/Core/Helpers/extract.h>
 #include <ZolvaCheckoutKit/Core/Models/ZLVRecordMapping.h>
 
-void ZLVMember::read(ZLVMappable& record, ZLVValue value) const {
+void ZLVMember::read(ZLVMappable& record, const ZLVValue& value) const {
   if (const auto* member = std::get_if<Value>(&member_)) {
-    record.*(*member) = std::move(value);
+    record.*(*member) = value;
   } else if (const auto* flag = std::get_if<Flag>(&member_)) {
     (record.*(*flag)).isSet = !value.isAbsent();
   } else {

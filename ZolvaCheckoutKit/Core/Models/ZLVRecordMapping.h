@@ -62,12 +62,15 @@ class ZLVMember {
   constexpr ZLVMember(ZLVFlag Record::*member) : member_(static_cast<Flag>(member)) {}
   constexpr ZLVMember(const ZLVNestingRule& rule) : member_(&rule) {}
 
-  void read(ZLVMappable& record, ZLVValue value) const;
+  void read(ZLVMappable& record, const ZLVValue& value) const;
   [[nodiscard]] ZLVValue write(const ZLVMappable& record) const;
 
   [[nodiscard]] constexpr std::size_t size() const {
     if (const auto* rule = std::get_if<Records>(&member_)) return (*rule)->size;
     return std::holds_alternative<Flag>(member_) ? sizeof(ZLVFlag) : sizeof(ZLVValue);
+  }
+  [[nodiscard]] constexpr std::size_t alignment() const {
+    return std::holds_alternative<Records>(member_) ? alignof(void*) : alignof(ZLVValue);
   }
   friend constexpr bool operator==(const ZLVMember&, const ZLVMember&) = default;
 
@@ -89,21 +92,27 @@ struct ZLVRecordTable {
   const ZLVRecordTable* start = nullptr;
 };
 
-/// Whether the table has each member of a record of so many bytes, and has it once.
-constexpr bool ZLVHasEveryMemberOnce(const ZLVRecordTable& table, std::size_t size) {
-  std::size_t inTable = sizeof(ZLVMappable);
-  for (const auto* part = &table; part != nullptr; part = part->start) {
-    for (const auto& field : part->fields) {
-      inTable += field.member.size();
-      for (const auto* otherPart = part; otherPart != nullptr; otherPart = otherPart->start) {
-        for (const auto& other : otherPart->fields) {
-          if (&field == &other) continue;
-          if (field.member == other.member || field.key == other.key) return false;
-        }
-      }
-    }
+constexpr std::size_t ZLVAligned(std::size_t offset, std::size_t alignment) {
+  return (offset + alignment - 1) / alignment * alignment;
+}
+
+/// How often the table has the field's member, or writes to its key.
+constexpr int ZLVCount(const ZLVRecordTable& table, const ZLVField& field) {
+  int count = table.start != nullptr ? ZLVCount(*table.start, field) : 0;
+  for (const auto& other : table.fields) {
+    if (other.member == field.member || other.key == field.key) ++count;
   }
-  return inTable == size;
+  return count;
+}
+
+/// Where a record ends that has the table's members, each once; 0 when one is there twice.
+constexpr std::size_t ZLVEndOf(const ZLVRecordTable& table) {
+  auto end = table.start != nullptr ? ZLVEndOf(*table.start) : sizeof(ZLVMappable);
+  for (const auto& field : table.fields) {
+    if (ZLVCount(table, field) > 1) return 0;
+    end = ZLVAligned(end, field.member.alignment()) + field.member.size();
+  }
+  return end;
 }
 
 /// Fills a new record. Throws `ZLVProgrammingFault` where something other than a dictionary stands.
@@ -115,8 +124,8 @@ ZLVDictionary ZLVWrittenRecord(const ZLVMappable& record, const ZLVRecordTable& 
 template <class Record>
 std::shared_ptr<Record> ZLVRecordWithDictionary(const ZLVValue& dictionary) {
   constexpr auto& table = ZLVFieldsOf<Record>::table;
-  static_assert(ZLVHasEveryMemberOnce(table, sizeof(Record)),
-                "a member is missing or is there twice");
+  static_assert(ZLVAligned(ZLVEndOf(table), alignof(Record)) == sizeof(Record),
+                "the table lacks a member of the record, or has one twice");
   auto record = std::make_shared<Record>();
   ZLVReadRecord(*record, table, dictionary);
   return record;
