@@ -40,6 +40,7 @@ using ZLVCompletionHandler =
 /// configured or when a value that it cannot do without is missing.
 class ZLV_EXPORT ZLVClient {
  public:
+  /// A text or nothing.
   using Text = ZLVOptionalText;
 
   ZLVClient() = delete;
@@ -47,6 +48,7 @@ class ZLV_EXPORT ZLVClient {
   /// Writes the shared `ZLVVendor` and announces the merchant to the analytics service. Makes no
   /// object. Main thread, before any other operation; calling it again replaces all four values.
   /// Throws `ZLVProgrammingFault` when there is no merchant id; the values are stored all the same.
+  /// What each value has to be, `ZLVVendor` tells at the field of its name.
   static void initWithMerchantServerURL(Text merchantServerURL, Text merchantId, Text callbackUrl,
                                         bool isLoggingEnabled);
 
@@ -60,11 +62,17 @@ class ZLV_EXPORT ZLVClient {
                                          std::shared_ptr<ZLVViewController> viewController,
                                          ZLVCompletionHandler<ZLVLinkAccountResult> completion);
 
-  /// Fetches a linked account with its payment options. The id goes into the URL as it is.
+  /// Fetches a linked account with its payment options.
+  ///
+  /// `accountID` becomes a segment of the URL's path as it is given. An id that a server's answer
+  /// named is passed on unchanged. One from anywhere else, such as a link or a form, has to be
+  /// percent-encoded first, all but letters, digits and "-._~", and must not be "." or "..": with
+  /// a "/", "?" or "#" in it the call would be another one than you meant, and with a space or a
+  /// line break it fails with `NSURLErrorBadURL`.
   static void enquireAccountWithAccountID(Text accountID,
                                           ZLVCompletionHandler<ZLVAccountInfo> completion);
 
-  /// Unlinks an account. The id goes into the URL as it is.
+  /// Unlinks an account. `accountID` is as in `enquireAccountWithAccountID`.
   static void disableAccountWithAccountID(Text accountID,
                                           ZLVCompletionHandler<ZLVDisableAccountResult> completion);
 

@@ -11,14 +11,18 @@
 /// its end.
 class ZLV_EXPORT ZLVActivity {
  public:
+  /// Begins it. Any thread.
   ZLVActivity() noexcept;
+  /// Takes over what `other` counts, which then is not under way any more.
   ZLVActivity(ZLVActivity&& other) noexcept
       : isUnderWay_(std::exchange(other.isUnderWay_, false)) {}
   ZLVActivity& operator=(ZLVActivity&&) = delete;
+  /// Ends it. Any thread.
   ~ZLVActivity() { end(); }
 
   /// Ends it before its destruction. Any thread.
   void end() noexcept;
+  /// Whether it still counts: neither ended nor moved away.
   [[nodiscard]] bool isUnderWay() const noexcept { return isUnderWay_; }
 
   /// Serves the main queue until `limit` is over or a block has run, whichever is first.

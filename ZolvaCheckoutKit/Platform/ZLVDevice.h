@@ -6,18 +6,19 @@
 
 #include <ZolvaCheckoutKit/ZLVExport.h>
 
-/// Width and height in points.
+/// A size on the screen.
 struct ZLVSize {
-  double width = 0;
-  double height = 0;
+  double width = 0;   ///< In points.
+  double height = 0;  ///< In points.
 
+  /// Equal width and height.
   friend bool operator==(const ZLVSize&, const ZLVSize&) = default;
 };
 
 /// How much processor one thread uses.
 struct ZLVThreadUsage {
   int cpuUsage = 0;  ///< Thousandths of one processor.
-  bool isIdle = false;
+  bool isIdle = false;  ///< Whether it used none at all.
 };
 
 /// Facts about the device and the host application.
@@ -48,8 +49,8 @@ class ZLV_EXPORT ZLVDevice {
   /// Version of the operating system, such as "12.4".
   [[nodiscard]] virtual std::optional<std::string> systemVersion() const = 0;
 
-  /// An entry for every thread of the process, absent for a thread that cannot be read; nothing
-  /// when the threads cannot be listed.
+  /// An entry for every thread of the process, absent for a thread that cannot be read.
   using Threads = std::vector<std::optional<ZLVThreadUsage>>;
+  /// The threads of this process; nothing when they cannot be listed.
   [[nodiscard]] virtual std::optional<Threads> threads() const = 0;
 };

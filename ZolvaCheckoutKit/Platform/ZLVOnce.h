@@ -27,7 +27,9 @@ concept ZLVNullableFunction = std::constructible_from<Function, std::nullptr_t> 
 template <class... Arguments>
 class ZLVOnce<void(Arguments...)> {
  public:
+  /// Makes an empty one.
   ZLVOnce() noexcept = default;
+  /// Keeps the function, of its own type, until the call.
   template <class Function>
   requires(!std::same_as<std::remove_cvref_t<Function>, ZLVOnce> &&
            std::invocable<std::remove_cvref_t<Function>, Arguments...>)
@@ -42,7 +44,8 @@ class ZLVOnce<void(Arguments...)> {
   /// Whether there is still something to call.
   explicit operator bool() const noexcept { return target_ != nullptr; }
 
-  /// Does nothing when empty.
+  /// Calls the function and lets it go; does nothing when empty. The function may destroy this
+  /// object meanwhile. What it throws comes through.
   void operator()(Arguments... arguments) && {
     if (auto target = std::move(target_)) {
       target->call(*target, std::forward<Arguments>(arguments)...);

@@ -25,9 +25,13 @@
 struct ZLV_EXPORT ZLVPlatform {
   /// Makes a session; called on any thread, once for each network executor.
   std::function<std::unique_ptr<ZLVURLSession>()> makeURLSession;
+  /// Runs what has to run on the host's main thread.
   std::shared_ptr<ZLVMainQueue> mainQueue;
+  /// Takes the diagnostic lines, which are written while `ZLVVendor::isLoggingEnabled`.
   std::shared_ptr<ZLVSystemLog> systemLog;
+  /// Tells the facts that usage events carry.
   std::shared_ptr<ZLVDevice> device;
+  /// Shows the pages.
   std::shared_ptr<ZLVUserInterface> userInterface;
   /// Base URL of the analytics service, ending in "/", where it is not the usual one.
   std::optional<std::string> analyticsRootURL;

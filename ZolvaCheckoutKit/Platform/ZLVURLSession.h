@@ -11,17 +11,21 @@
 #include <ZolvaCheckoutKit/ZLVURL.h>
 
 /// How a request deals with caches.
-enum class ZLVURLRequestCachePolicy : unsigned { UseProtocolCachePolicy = 0 };
+enum class ZLVURLRequestCachePolicy : unsigned {
+  UseProtocolCachePolicy = 0  ///< As HTTP says; the only one that the library asks for.
+};
 
 /// One HTTP request, ready to send.
 struct ZLVURLRequest {
   /// Absent when its text was no URL; the library does not pass such a request to a session.
   std::optional<ZLVURL> URL;
+  /// Its name in capitals, such as "POST".
   std::string HTTPMethod = "GET";
   /// Names and values, each name once, in no particular order.
   std::vector<std::pair<std::string, std::string>> allHTTPHeaderFields;
   /// Absent is no body; a request other than GET then has a body of length zero.
   std::optional<std::string> HTTPBody;
+  /// A session without a cache keeps to every policy.
   ZLVURLRequestCachePolicy cachePolicy = ZLVURLRequestCachePolicy::UseProtocolCachePolicy;
   /// Seconds without any progress, connecting included, after which the request times out.
   double timeoutInterval = 60;
@@ -29,8 +33,11 @@ struct ZLVURLRequest {
 
 /// What came back: an answer (`statusCode` and `data`) or, with `error`, none.
 struct ZLVURLAnswer {
+  /// The answer's body, decompressed; any bytes.
   std::string data;
+  /// The status of the HTTP answer, 100 to 999.
   int statusCode = 0;
+  /// Why there is no answer. What else stands here then counts for nothing.
   std::optional<ZLVError> error;
 };
 

@@ -9,7 +9,11 @@
 #include <ZolvaCheckoutKit/ZLVURL.h>
 
 /// The label of an in-app browser's dismiss button.
-enum class ZLVDismissButtonStyle : std::int64_t { Done = 0, Close = 1, Cancel = 2 };
+enum class ZLVDismissButtonStyle : std::int64_t {
+  Done = 0,   ///< "Done", in the user's language, as are the others.
+  Close = 1,  ///< "Close"; the library's own pages ask for it.
+  Cancel = 2  ///< "Cancel".
+};
 
 /// One in-app browser, made for one URL and shown at most once. Main thread only.
 class ZLV_EXPORT ZLVBrowser {

@@ -8,18 +8,28 @@
 #include <ZolvaCheckoutKit/ZLVExport.h>
 
 /// How a presented view controller covers the one below.
-enum class ZLVModalPresentationStyle : std::int64_t { FullScreen = 0, PageSheet = 1 };
+enum class ZLVModalPresentationStyle : std::int64_t {
+  FullScreen = 0,  ///< All of it.
+  PageSheet = 1    ///< Part of it, where the platform does that.
+};
 
 /// The classes that the library tells from their subclasses.
-enum class ZLVExactClass : std::uint8_t { Other, NavigationController, WebViewController };
+enum class ZLVExactClass : std::uint8_t {
+  Other,                 ///< Any other class, a subclass of the two included.
+  NavigationController,  ///< `ZLVNavigationController` itself.
+  WebViewController      ///< The library's own page.
+};
 
 /// Holds which of these classes an object is of. To be a virtual base: such a base is made by the
 /// object's own class alone, so a subclass that says nothing is of none of them. That holds without
 /// run-time type information, which a host may have turned off.
 struct ZLV_EXPORT ZLVExactClassBase {
+  /// Of no class that counts.
   ZLVExactClassBase() noexcept = default;
+  /// Of the class.
   explicit ZLVExactClassBase(ZLVExactClass name) noexcept : ownClass(name) {}
 
+  /// The class of the whole object.
   const ZLVExactClass ownClass = ZLVExactClass::Other;
 };
 
@@ -41,8 +51,9 @@ class ZLV_EXPORT ZLVViewController : public std::enable_shared_from_this<ZLVView
   }
   /// Who presents this controller, or a null pointer.
   [[nodiscard]] ZLVViewController* presentingViewController() const noexcept { return presenting_; }
+  /// The container that this controller is a child of, or a null pointer.
   [[nodiscard]] ZLVViewController* parentViewController() const noexcept { return parent_; }
-  /// In stack order where there is a stack.
+  /// The controllers that this one contains, in stack order where there is a stack.
   [[nodiscard]] const std::vector<std::shared_ptr<ZLVViewController>>& childViewControllers()
       const noexcept {
     return children_;
@@ -51,6 +62,7 @@ class ZLV_EXPORT ZLVViewController : public std::enable_shared_from_this<ZLVView
   /// The class of this controller, or `Other` for any other class, subclasses included.
   [[nodiscard]] virtual ZLVExactClass exactClass() const noexcept { return ZLVExactClass::Other; }
 
+  /// How it covers what presents it; to be set before it is presented.
   [[nodiscard]] ZLVModalPresentationStyle modalPresentationStyle() const noexcept { return style_; }
   void setModalPresentationStyle(ZLVModalPresentationStyle style) noexcept { style_ = style; }
 
@@ -72,7 +84,9 @@ class ZLV_EXPORT ZLVViewController : public std::enable_shared_from_this<ZLVView
   /// Takes it off the screen again.
   virtual void viewWillDisappear(bool /*animated*/) {}
 
+  /// Makes `child` the last child of this controller.
   void addChildViewController(std::shared_ptr<ZLVViewController> child);
+  /// Removes the last child and returns it; a null pointer when there is none.
   std::shared_ptr<ZLVViewController> removeLastChildViewController();
 
  private:
@@ -92,6 +106,7 @@ class ZLV_EXPORT ZLVNavigationController : public ZLVViewController,
 
   [[nodiscard]] ZLVExactClass exactClass() const noexcept override;
 
+  /// Puts `controller` on top of the stack.
   void pushViewController(std::shared_ptr<ZLVViewController> controller);
   /// Removes the top of the stack and returns it; a null pointer when the stack is empty.
   std::shared_ptr<ZLVViewController> popViewController();

@@ -22,7 +22,7 @@ constexpr Explanation explanations[] = {
     {NSURLErrorDomain, -1009, -1009, "You are offline", "Connect to the internet and try again."},
     {NSURLErrorDomain, -1005, -1005, "The connection was lost",
      "It ended before the shop had answered."},
-    {NSURLErrorDomain, -1006, -1003, "The shop cannot be reached",
+    {NSURLErrorDomain, -1004, -1003, "The shop cannot be reached",
      "Check your connection and try again."},
     {NSURLErrorDomain, -1001, -1001, "The shop does not answer", "Try again in a moment."},
     {NSURLErrorDomain, INT64_MIN, INT64_MAX, "The connection failed", ""},
