@@ -4,8 +4,8 @@
 #include <memory>
 #include <optional>
 
-#include <ZolvaCheckoutKit/ZLVAccountInfo.h>
 #include <ZolvaCheckoutKit/ZLVAccountRecords.h>
+#include <ZolvaCheckoutKit/ZLVEnquiryRecords.h>
 #include <ZolvaCheckoutKit/ZLVError.h>
 #include <ZolvaCheckoutKit/ZLVExport.h>
 #include <ZolvaCheckoutKit/ZLVMappable.h>

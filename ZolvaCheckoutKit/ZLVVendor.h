@@ -23,8 +23,8 @@ class ZLV_EXPORT ZLVVendor {
   ZLVVendor& operator=(const ZLVVendor&) = delete;
 
   /// Base URL of the merchant's own server, such as "https://shop.example/pay": the paths of the
-  /// calls are put behind it, with one "/" between. It is used as it is given, so it has to be a URL
-  /// already, percent-encoded where that is needed, without query and fragment; otherwise calls
+  /// calls are put behind it, with one "/" between. It is used as it is given, so it has to be a
+  /// URL already, percent-encoded where that is needed, without query and fragment; otherwise calls
   /// fail with `NSURLErrorBadURL` or go elsewhere. The spelling of the name is the established one.
   [[nodiscard]] const Text& merchantSeverURL() const noexcept { return merchantSeverURL_; }
   void setMerchantSeverURL(Text value) { merchantSeverURL_ = std::move(value); }

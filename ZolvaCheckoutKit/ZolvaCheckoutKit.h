@@ -4,9 +4,9 @@
 
 #include <ZolvaCheckoutKit/Platform/ZLVActivity.h>
 #include <ZolvaCheckoutKit/Platform/ZLVPlatform.h>
-#include <ZolvaCheckoutKit/ZLVAccountInfo.h>
 #include <ZolvaCheckoutKit/ZLVAccountRecords.h>
 #include <ZolvaCheckoutKit/ZLVClient.h>
+#include <ZolvaCheckoutKit/ZLVEnquiryRecords.h>
 #include <ZolvaCheckoutKit/ZLVError.h>
 #include <ZolvaCheckoutKit/ZLVMappable.h>
 #include <ZolvaCheckoutKit/ZLVOptionalText.h>

@@ -9,7 +9,7 @@
 #include <string_view>
 
 #include <ZolvaCheckoutKit/Platform/ZLVPlatform.h>
-#include <ZolvaCheckoutKit/ZLVAccountInfo.h>
+#include <ZolvaCheckoutKit/ZLVEnquiryRecords.h>
 
 using Record = std::shared_ptr<ZLVAccountInfo>;
 

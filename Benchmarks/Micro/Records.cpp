@@ -6,7 +6,7 @@
 
 #include <ZolvaCheckoutKit/Core/Values/ZLVJSONSerialization.h>
 #include <ZolvaCheckoutKit/Platform/ZLVPlatform.h>
-#include <ZolvaCheckoutKit/ZLVAccountInfo.h>
+#include <ZolvaCheckoutKit/ZLVEnquiryRecords.h>
 
 #include "Benchmarks/Support/Accounts.h"
 

@@ -17,7 +17,7 @@ struct ZLVSize {
 
 /// How much processor one thread uses.
 struct ZLVThreadUsage {
-  int cpuUsage = 0;  ///< Thousandths of one processor.
+  int cpuUsage = 0;     ///< Thousandths of one processor.
   bool isIdle = false;  ///< Whether it used none at all.
 };
 

@@ -1,8 +1,8 @@
 #include <utility>
 
 #include <ZolvaCheckoutKit/Core/Models/ZLVRecordMapping.h>
-#include <ZolvaCheckoutKit/ZLVAccountInfo.h>
 #include <ZolvaCheckoutKit/ZLVAccountRecords.h>
+#include <ZolvaCheckoutKit/ZLVEnquiryRecords.h>
 
 namespace {
 
