@@ -91,9 +91,9 @@ class ZLV_EXPORT ZLVClient {
   /// Call it with every URL that the application is asked to open, on the main thread. A URL that
   /// contains the configured callback URL closes the page that is shown; any other is ignored.
   ///
-  /// The page is looked for from the root view controller of the window that has the keys: through
-  /// what is presented, and from a `ZLVNavigationController` to the top of its stack. One over the
-  /// navigation controller itself, or over a child of another container (a subclass of
+  /// The page is looked for from the root view controller of the window that gets what is typed:
+  /// through what is presented, and from a `ZLVNavigationController` to the top of its stack. One
+  /// over the navigation controller itself, or over a child of another container (a subclass of
   /// `ZLVNavigationController` included), is not found: present over the top of the stack.
   static void handleCallbackUrl(const ZLVURL& url);
 };

@@ -38,7 +38,7 @@ class ZLV_EXPORT ZLVUserInterface {
  public:
   virtual ~ZLVUserInterface() = default;
 
-  /// The root view controller of the window that has the keys; null when there is none.
+  /// The root view controller of the window that gets what is typed; null when there is none.
   [[nodiscard]] virtual std::shared_ptr<ZLVViewController> keyWindowRootViewController() = 0;
 
   /// A browser for an http or https URL, not yet shown; null when there can be none.
