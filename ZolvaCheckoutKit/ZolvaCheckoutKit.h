@@ -3,6 +3,7 @@
 // The library's whole public interface. A host also includes the header of its platform.
 
 #include <ZolvaCheckoutKit/Platform/ZLVActivity.h>
+#include <ZolvaCheckoutKit/Platform/ZLVDeviceWrapper.h>
 #include <ZolvaCheckoutKit/Platform/ZLVPlatform.h>
 #include <ZolvaCheckoutKit/ZLVAccountRecords.h>
 #include <ZolvaCheckoutKit/ZLVClient.h>

@@ -116,7 +116,7 @@ struct FakePlatform {
     ZLVPlatform::install({.makeURLSession = [this] { return std::make_unique<Session>(*this); },
                           .mainQueue = queue,
                           .systemLog = log,
-                          .device = device,
+                          .device = std::make_shared<ZLVDeviceWrapper>(device),
                           .userInterface = ui,
                           .analyticsRootURL = std::move(root)});
   }

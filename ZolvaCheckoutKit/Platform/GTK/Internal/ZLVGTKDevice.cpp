@@ -4,8 +4,8 @@
 
 #include <ZolvaCheckoutKit/Platform/GTK/Internal/ZLVGTKDevice.h>
 
-ZLVGTKDevice::ZLVGTKDevice(GtkApplication* application, std::shared_ptr<ZLVDevice> base)
-    : base_(std::move(base)) {
+ZLVGTKDevice::ZLVGTKDevice(GtkApplication* application, std::shared_ptr<const ZLVDevice> base)
+    : ZLVDeviceWrapper(std::move(base)) {
   if (gtk_is_initialized() != FALSE) {
     watchMonitors();
   } else {
@@ -60,20 +60,3 @@ std::optional<ZLVSize> ZLVGTKDevice::mainScreenSize() const {
   const std::lock_guard lock(mutex_);
   return mainScreenSize_;
 }
-
-std::optional<std::string> ZLVGTKDevice::identifierForVendor() const {
-  return base_->identifierForVendor();
-}
-std::optional<std::string> ZLVGTKDevice::bundleDisplayName() const {
-  return base_->bundleDisplayName();
-}
-std::optional<std::string> ZLVGTKDevice::bundleShortVersion() const {
-  return base_->bundleShortVersion();
-}
-std::vector<std::string> ZLVGTKDevice::preferredLocalizations() const {
-  return base_->preferredLocalizations();
-}
-std::optional<std::string> ZLVGTKDevice::machine() const { return base_->machine(); }
-std::optional<std::string> ZLVGTKDevice::name() const { return base_->name(); }
-std::optional<std::string> ZLVGTKDevice::systemVersion() const { return base_->systemVersion(); }
-std::optional<ZLVDevice::Threads> ZLVGTKDevice::threads() const { return base_->threads(); }

@@ -8,32 +8,22 @@
 
 #include <ZolvaCheckoutKit/Platform/GTK/Internal/ZLVGObject.h>
 #include <ZolvaCheckoutKit/Platform/GTK/Internal/ZLVSignals.h>
-#include <ZolvaCheckoutKit/Platform/ZLVDevice.h>
+#include <ZolvaCheckoutKit/Platform/ZLVDeviceWrapper.h>
 
 /// Another device's facts, save those that GLib and GDK know better. Made on the main thread.
-class ZLVGTKDevice final : public ZLVDevice {
+class ZLVGTKDevice final : public ZLVDeviceWrapper {
  public:
   /// Screens are looked at once `application` has started.
-  ZLVGTKDevice(GtkApplication* application, std::shared_ptr<ZLVDevice> base);
+  ZLVGTKDevice(GtkApplication* application, std::shared_ptr<const ZLVDevice> base);
 
   [[nodiscard]] std::vector<std::string> preferredLanguages() const override;
   [[nodiscard]] std::optional<ZLVSize> mainScreenSize() const override;
-
-  [[nodiscard]] std::optional<std::string> identifierForVendor() const override;
-  [[nodiscard]] std::optional<std::string> bundleDisplayName() const override;
-  [[nodiscard]] std::optional<std::string> bundleShortVersion() const override;
-  [[nodiscard]] std::vector<std::string> preferredLocalizations() const override;
-  [[nodiscard]] std::optional<std::string> machine() const override;
-  [[nodiscard]] std::optional<std::string> name() const override;
-  [[nodiscard]] std::optional<std::string> systemVersion() const override;
-  [[nodiscard]] std::optional<Threads> threads() const override;
 
  private:
   void watchMonitors();
   void watchMainMonitor();
   void readMainScreenSize(GdkMonitor* monitor);
 
-  std::shared_ptr<ZLVDevice> base_;
   // GDK answers on the main thread only, so what it says is kept for the others.
   mutable std::mutex mutex_;
   std::optional<ZLVSize> mainScreenSize_;
