@@ -7,8 +7,8 @@
 
 #include <curl/curl.h>
 
-#include <ZolvaCheckoutKit/Platform/Curl/Internal/ZLVHTTPHop.h>
-#include <ZolvaCheckoutKit/Platform/Curl/Internal/ZLVWebURL.h>
+#include <ZolvaCheckoutKit/Platform/Curl/ZLVHTTPHop.h>
+#include <ZolvaCheckoutKit/Platform/Curl/ZLVWebURL.h>
 #include <ZolvaCheckoutKit/ZLVURL.h>
 
 #include "Tests/Fuzz/Fuzz.h"

@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include <ZolvaCheckoutKit/Platform/Curl/Internal/ZLVWebURL.h>
+#include <ZolvaCheckoutKit/Platform/Curl/ZLVWebURL.h>
 
 #include "Tests/Linux/SessionFixture.h"
 

@@ -1,6 +1,6 @@
 #include <utility>
 
-#include <ZolvaCheckoutKit/Platform/Curl/Internal/ZLVCurlSession.h>
+#include <ZolvaCheckoutKit/Platform/Curl/ZLVCurlSession.h>
 #include <ZolvaCheckoutKit/Platform/Linux/Internal/ZLVLinuxDevice.h>
 #include <ZolvaCheckoutKit/Platform/Linux/Internal/ZLVSyslog.h>
 #include <ZolvaCheckoutKit/Platform/Linux/ZLVConsoleUserInterface.h>
@@ -13,14 +13,12 @@ ZLVPlatform ZLVLinuxPlatform::platformWithOptions(ZLVLinuxOptions options) {
         "ZLVLinuxPlatform platformWithOptions: the application version is missing");
   }
   ZLVPlatform platform;
-  platform.makeURLSession = [configuration =
-                                 ZLVCurlConfiguration{
-                                     .allowsCleartext = options.allowsCleartext,
-                                     .maximumAnswerSize = options.maximumAnswerSize,
-                                 },
-                             CAFile = options.CAFile] {
-    return std::make_unique<ZLVCurlSession>(configuration, CAFile);
+  const ZLVCurlOptions forSession{
+      .allowsCleartext = options.allowsCleartext,
+      .CAFile = options.CAFile,
+      .maximumAnswerSize = options.maximumAnswerSize,
   };
+  platform.makeURLSession = [forSession] { return std::make_unique<ZLVCurlSession>(forSession); };
   platform.mainQueue = ZLVLinuxMainQueue::mainQueue();
   platform.systemLog = std::make_shared<ZLVSyslog>();
   platform.device = std::make_shared<ZLVLinuxDevice>(ZLVLinuxApplication{

@@ -5,7 +5,7 @@
 
 #include <unistd.h>
 
-#include <ZolvaCheckoutKit/Platform/Curl/Internal/ZLVCurlLoops.h>
+#include <ZolvaCheckoutKit/Platform/Curl/ZLVCurlLifetime.h>
 
 namespace {
 
@@ -31,12 +31,23 @@ struct SetUpGuard {
   SetUpGuard() = default;
   SetUpGuard(const SetUpGuard&) = delete;
   SetUpGuard& operator=(const SetUpGuard&) = delete;
-  ~SetUpGuard() { ZLVCurlLoops::setUpLibrary(); }
+  ~SetUpGuard() { ZLVCurlLifetime::setUpLibrary(); }
 };
+
+void abandonAll() {
+  if (isForked()) return;
+  std::set<std::shared_ptr<ZLVCurlLoop>> loops;
+  {
+    const std::lock_guard lock(registry().mutex);
+    registry().isExiting = true;
+    loops = registry().loops;
+  }
+  for (const auto& loop : loops) loop->end(ZLVCurlLoop::End::Abandon);
+}
 
 }  // namespace
 
-bool ZLVCurlLoops::start(const std::shared_ptr<ZLVCurlLoop>& loop) try {
+bool ZLVCurlLifetime::start(const std::shared_ptr<ZLVCurlLoop>& loop) try {
   const std::lock_guard lock(registry().mutex);
   if (registry().isExiting || registry().loops.contains(loop)) return true;
   [[maybe_unused]] static thread_local const SetUpGuard guard;
@@ -47,7 +58,7 @@ bool ZLVCurlLoops::start(const std::shared_ptr<ZLVCurlLoop>& loop) try {
   return false;
 }
 
-void ZLVCurlLoops::stop(const std::shared_ptr<ZLVCurlLoop>& loop) {
+void ZLVCurlLifetime::stop(const std::shared_ptr<ZLVCurlLoop>& loop) {
   if (isForked()) return;
   {
     const std::lock_guard lock(registry().mutex);
@@ -58,19 +69,8 @@ void ZLVCurlLoops::stop(const std::shared_ptr<ZLVCurlLoop>& loop) {
   loop->end(ZLVCurlLoop::End::Cancel);
 }
 
-void ZLVCurlLoops::setUpLibrary() {
+void ZLVCurlLifetime::setUpLibrary() {
   // Exit handlers run in reverse order, so that this one comes before those of the libraries.
   [[maybe_unused]] static const int once =
       (curl_global_init(CURL_GLOBAL_DEFAULT), std::atexit(&abandonAll));
-}
-
-void ZLVCurlLoops::abandonAll() {
-  if (isForked()) return;
-  std::set<std::shared_ptr<ZLVCurlLoop>> loops;
-  {
-    const std::lock_guard lock(registry().mutex);
-    registry().isExiting = true;
-    loops = registry().loops;
-  }
-  for (const auto& loop : loops) loop->end(ZLVCurlLoop::End::Abandon);
 }

@@ -9,26 +9,29 @@
 /// session's thread.
 class ZLVCurlSockets {
  public:
-  /// How a transfer connects. libcurl would spend half of its time on the first of a host's
-  /// addresses; in haste, an attempt that takes too long fails, and libcurl goes on to the next.
-  struct Manner {
+  /// A request's attempt to connect. libcurl would spend half of its time on the first of a host's
+  /// addresses; in haste, an address that takes too long is given up, and libcurl goes on to the
+  /// next.
+  struct Attempt {
     bool isHasty = true;
-    bool hasGivenUp = false;  ///< An attempt.
+    bool isGivenUp = false;  ///< For one address at least.
   };
 
   /// A socket for a connection to be made; CURL_SOCKET_BAD and errno when there is none to be had.
-  /// `manner` must live until `settle` or until libcurl has closed the socket.
-  curl_socket_t open(const curl_sockaddr& address, Manner& manner);
+  /// `attempt` must live until `settle` or until libcurl has closed the socket.
+  curl_socket_t open(const curl_sockaddr& address, Attempt& attempt);
 
   /// For CURLOPT_CLOSESOCKETFUNCTION.
   static int close(void* self, curl_socket_t socket);
 
   /// The connection is made.
-  void settle(const Manner& manner);
+  void settle(const Attempt& attempt);
 
-  /// Gives up attempts that take too long. True while there are any attempts: libcurl wants to be
-  /// driven often then, without saying so.
-  bool checkAttempts();
+  /// Whether anything connects: libcurl wants to be driven often then, without saying so.
+  [[nodiscard]] bool hasAttempts() const;
+
+  /// Makes those addresses fail that take too long.
+  void giveUpSlow();
 
   /// Notes the connection of a transfer that is done with and still libcurl's, for `isReadable`.
   void keep(CURL* transfer);
@@ -42,7 +45,7 @@ class ZLVCurlSockets {
   struct Socket {
     curl_socket_t socket = CURL_SOCKET_BAD;
     Clock::time_point start = {};
-    Manner* manner = nullptr;          // until it is settled
+    Attempt* attempt = nullptr;        // until it is settled
     long localPort = 0, peerPort = 0;  // once it is kept
   };
 

@@ -19,6 +19,9 @@ struct ZLVWebURL {
 
   [[nodiscard]] bool hasSameOrigin(const ZLVWebURL& other) const;
 
+  /// Scheme, host and port: a server's name.
+  [[nodiscard]] std::string origin() const { return scheme + ':' + host + ':' + port; }
+
   /// Whether the host is this machine by name or address.
   [[nodiscard]] bool isLoopback() const;
 

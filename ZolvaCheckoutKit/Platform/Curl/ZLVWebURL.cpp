@@ -5,7 +5,7 @@
 #include <arpa/inet.h>
 #include <curl/curl.h>
 
-#include <ZolvaCheckoutKit/Platform/Curl/Internal/ZLVWebURL.h>
+#include <ZolvaCheckoutKit/Platform/Curl/ZLVWebURL.h>
 
 namespace {
 

@@ -3,7 +3,7 @@
 
 #include <strings.h>
 
-#include <ZolvaCheckoutKit/Platform/Curl/Internal/ZLVHTTPHop.h>
+#include <ZolvaCheckoutKit/Platform/Curl/ZLVHTTPHop.h>
 
 namespace {
 
@@ -44,8 +44,28 @@ bool becomesGet(long status, const std::string& method) {
 
 }  // namespace
 
-bool ZLVHTTPHop::isWellFormed() const {
-  return isToken(method) && std::ranges::all_of(headers, isHeader);
+ZLVHTTPHop ZLVHTTPHop::first(ZLVURLRequest request) {
+  ZLVHTTPHop hop{.method = std::move(request.HTTPMethod),
+                 .headers = std::move(request.allHTTPHeaderFields),
+                 .body = std::move(request.HTTPBody)};
+  if (const auto& url = request.URL) {
+    hop.url = {.text = url->absoluteString(), .scheme = url->scheme()};
+    // libcurl would take the path of a URL without a host for one.
+    const auto parsed = ZLVWebURL::parsed(hop.url.text);
+    if (parsed && !url->host().empty()) hop.url = *parsed;
+  }
+  return hop;
+}
+
+std::optional<NSURLError> ZLVHTTPHop::refusal(bool allowsCleartext) const {
+  if (url.text.empty()) return NSURLErrorBadURL;
+  if (url.scheme != "http" && url.scheme != "https") return NSURLErrorUnsupportedURL;
+  if (url.host.empty()) return NSURLErrorBadURL;
+  if (url.scheme == "http" && (mustBeSecure || !(allowsCleartext || url.isLoopback()))) {
+    return NSURLErrorAppTransportSecurityRequiresSecureConnection;
+  }
+  const bool isWellFormed = isToken(method) && std::ranges::all_of(headers, isHeader);
+  return isWellFormed ? std::nullopt : std::optional(NSURLErrorBadURL);
 }
 
 bool ZLVHTTPHop::isRedirect(long status) {

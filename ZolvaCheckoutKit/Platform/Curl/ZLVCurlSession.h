@@ -1,10 +1,8 @@
 #pragma once
 
 #include <memory>
-#include <optional>
-#include <string>
 
-#include <ZolvaCheckoutKit/Platform/Curl/Internal/ZLVCurlTransfer.h>
+#include <ZolvaCheckoutKit/Platform/Curl/ZLVCurlOptions.h>
 #include <ZolvaCheckoutKit/Platform/ZLVURLSession.h>
 
 class ZLVCurlLoop;
@@ -13,7 +11,7 @@ class ZLVCurlLoop;
 /// be destroyed in a handler.
 class ZLVCurlSession final : public ZLVURLSession {
  public:
-  ZLVCurlSession(ZLVCurlConfiguration configuration, std::optional<std::string> CAFile);
+  explicit ZLVCurlSession(ZLVCurlOptions options);
   ZLVCurlSession(const ZLVCurlSession&) = delete;
   ZLVCurlSession& operator=(const ZLVCurlSession&) = delete;
   ~ZLVCurlSession() override;

@@ -1,20 +1,19 @@
 #include <algorithm>
 
-#include <netinet/in.h>
-#include <netinet/tcp.h>
 #include <poll.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
-#include <ZolvaCheckoutKit/Platform/Curl/Internal/ZLVCurlSockets.h>
+#include <ZolvaCheckoutKit/Platform/Curl/ZLVCurlSockets.h>
+#include <ZolvaCheckoutKit/Platform/Curl/ZLVCurlSystem.h>
 
 namespace {
 
 /// An address that does not answer for so long is left for the next one.
 constexpr auto patience = std::chrono::milliseconds(700);
 
-/// What is not acknowledged for so long is lost, in milliseconds.
-constexpr unsigned int acknowledgement = 60'000;
+/// What is not acknowledged for so long is lost.
+constexpr std::chrono::minutes acknowledgement(1);
 
 bool isConnected(curl_socket_t socket) {
   sockaddr_storage peer{};
@@ -30,11 +29,10 @@ long number(CURL* transfer, CURLINFO item) {
 
 }  // namespace
 
-curl_socket_t ZLVCurlSockets::open(const curl_sockaddr& address, Manner& manner) {
-  const auto made = socket(address.family, address.socktype | SOCK_CLOEXEC, address.protocol);
-  if (made == CURL_SOCKET_BAD) return made;
-  setsockopt(made, IPPROTO_TCP, TCP_USER_TIMEOUT, &acknowledgement, sizeof acknowledgement);
-  sockets_.push_back({made, Clock::now(), &manner});
+curl_socket_t ZLVCurlSockets::open(const curl_sockaddr& address, Attempt& attempt) {
+  const curl_socket_t made = ZLVCurlSystem::openSocket(address.family, address.socktype,
+                                                       address.protocol, acknowledgement);
+  if (made != CURL_SOCKET_BAD) sockets_.push_back({made, Clock::now(), &attempt});
   return made;
 }
 
@@ -44,23 +42,25 @@ int ZLVCurlSockets::close(void* self, curl_socket_t socket) {
   return ::close(socket);
 }
 
-void ZLVCurlSockets::settle(const Manner& manner) {
+void ZLVCurlSockets::settle(const Attempt& attempt) {
   for (Socket& entry : sockets_) {
-    if (entry.manner == &manner) entry.manner = nullptr;
+    if (entry.attempt == &attempt) entry.attempt = nullptr;
   }
 }
 
-bool ZLVCurlSockets::checkAttempts() {
-  bool areThereAny = false;
+bool ZLVCurlSockets::hasAttempts() const {
+  return std::ranges::any_of(sockets_,
+                             [](const Socket& entry) { return entry.attempt != nullptr; });
+}
+
+void ZLVCurlSockets::giveUpSlow() {
   const auto latest = Clock::now() - patience;
   for (const Socket& entry : sockets_) {
-    if (entry.manner == nullptr) continue;
-    areThereAny = true;
-    if (!entry.manner->isHasty || entry.start > latest || isConnected(entry.socket)) continue;
+    if (entry.attempt == nullptr || !entry.attempt->isHasty) continue;
+    if (entry.start > latest || isConnected(entry.socket)) continue;
     shutdown(entry.socket, SHUT_RDWR);  // and libcurl sees the attempt fail
-    entry.manner->hasGivenUp = true;
+    entry.attempt->isGivenUp = true;
   }
-  return areThereAny;
 }
 
 void ZLVCurlSockets::keep(CURL* transfer) {
@@ -77,7 +77,7 @@ void ZLVCurlSockets::keep(CURL* transfer) {
 bool ZLVCurlSockets::isReadable(int localPort, int peerPort) const {
   // Hosts may have the ports in common; then all of them are looked at.
   return std::ranges::any_of(sockets_, [=](const Socket& entry) {
-    pollfd event{entry.socket, POLLIN | POLLRDHUP, 0};
+    pollfd event{entry.socket, POLLIN, 0};
     return entry.localPort == localPort && entry.peerPort == peerPort && poll(&event, 1, 0) != 0;
   });
 }

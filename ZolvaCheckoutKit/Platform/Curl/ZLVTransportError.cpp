@@ -4,8 +4,8 @@
 #include <string_view>
 #include <utility>
 
-#include <ZolvaCheckoutKit/Platform/Curl/Internal/ZLVTransportError.h>
-#include <ZolvaCheckoutKit/Platform/Curl/Internal/ZLVWebURL.h>
+#include <ZolvaCheckoutKit/Platform/Curl/ZLVTransportError.h>
+#include <ZolvaCheckoutKit/Platform/Curl/ZLVWebURL.h>
 
 namespace {
 

@@ -1,0 +1,12 @@
+#pragma once
+
+#include <cstddef>
+#include <optional>
+#include <string>
+
+/// What the host says of a session, in the meaning of the backend's own options.
+struct ZLVCurlOptions {
+  bool allowsCleartext = false;
+  std::optional<std::string> CAFile = std::nullopt;
+  std::size_t maximumAnswerSize = 0;
+};
