@@ -42,7 +42,7 @@ class ZLVCurlExchange {
   /// libcurl is done with the handle. What follows tells what became of it.
   void finish(CURLcode result) { result_ = result; }
 
-  /// The kept connection that it was to go out on had something to read. Nothing was sent.
+  /// The kept connection that it was to go out on had something to read, and was not used.
   [[nodiscard]] bool isSpoilt() const { return isSpoilt_; }
 
   /// In haste no address answered. Nothing was sent.
