@@ -125,9 +125,11 @@ void callWithoutDescriptors() {
     _exit(1);
   }
   setrlimit(RLIMIT_NOFILE, &before);
-  RawServer server(hello);
-  for (int i = 0; i < 2; ++i) {
-    if (call(*session, request(server.url())).data != "hello") _exit(2);
+  {
+    RawServer server(hello);
+    for (int i = 0; i < 2; ++i) {
+      if (call(*session, request(server.url())).data != "hello") _exit(2);
+    }
   }
   std::exit(0);
 }
