@@ -33,7 +33,7 @@ std::string head() {
 }  // namespace
 
 void ZLVSyslog::log(std::string_view line) try {
-  if ((setlogmask(0) & LOG_MASK(LOG_INFO)) == 0) return;
+  if ((setlogmask(0) & LOG_MASK(LOG_INFO)) == 0) return;  // NOLINT(*-mt-unsafe): only asks
   if (const auto dropped = dropped_.exchange(0);
       dropped > 0 && !send("lines dropped before this one: " + std::to_string(dropped))) {
     dropped_ += dropped;
@@ -49,7 +49,8 @@ bool ZLVSyslog::send(std::string_view line) const {
   if (text.size() > maximumSize) {
     auto end = maximumSize - cutMark.size();
     while ((static_cast<unsigned char>(text[end]) & 0xC0) == 0x80) --end;  // not in a character
-    text.replace(end, std::string::npos, cutMark);
+    text.resize(end);
+    text += cutMark;
   }
   // Daemons take a line for ended at some of these.
   std::ranges::replace_if(
