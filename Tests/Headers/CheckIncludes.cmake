@@ -10,6 +10,7 @@ set(foreign "[a-z].*|CLI/.*")  # anything of the system and of other projects
 set(boost "boost/.*")
 set(posix "arpa/inet\\.h|poll\\.h|pthread\\.h|strings\\.h|sys/socket\\.h|unistd\\.h")
 set(libcurl "curl/curl\\.h")
+set(fast_float "fast_float/.*")
 set(values "ZolvaCheckoutKit/ZLV(Error|Export|Mappable|OptionalText|URL|Value)\\.h")
 set(version "ZolvaCheckoutKit/ZLVVersion\\.h")  # what the library does depends on no release
 set(records "ZolvaCheckoutKit/ZLV([A-Za-z]+Records|Vendor)\\.h")
@@ -64,7 +65,8 @@ file(GLOB_RECURSE all RELATIVE ${ROOT}
 may_include("ZolvaCheckoutKit/ZolvaCheckoutKit\\.h" values version records facade ports)
 may_include("ZolvaCheckoutKit/[A-Za-z]+\\.h" standard values records)
 may_include("ZolvaCheckoutKit/Core/Client/.*" standard values records facade core ports)
-may_include("ZolvaCheckoutKit/Core/Values/ZLVJSONSerialization\\.cpp" standard values core_values boost)
+may_include("ZolvaCheckoutKit/Core/Values/ZLVJSONLibrary\\.h" boost)
+may_include("ZolvaCheckoutKit/Core/Values/ZLVNumberText\\.cpp" standard core_values fast_float)
 may_include("ZolvaCheckoutKit/Core/Values/.*" standard values core_values)
 may_include("ZolvaCheckoutKit/Core/.*" standard values records core ports)
 may_include("ZolvaCheckoutKit/Platform/[^/]+" standard values ports)

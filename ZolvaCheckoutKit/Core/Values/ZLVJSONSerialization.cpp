@@ -1,5 +1,4 @@
 #include <algorithm>
-#include <charconv>
 #include <cmath>
 #include <cstdint>
 #include <new>
@@ -8,21 +7,10 @@
 
 #include <ZolvaCheckoutKit/Core/Values/ZLVJSONSerialization.h>
 
-// The JSON library is compiled in under a namespace of its own, so that it can never meet another
-// copy that the host links, and without the marks that would export it.
-#include <boost/config.hpp>
-#undef BOOST_SYMBOL_VISIBLE
-#define BOOST_SYMBOL_VISIBLE
-namespace zlv_boost {
-using boost::long_long_type;
-using boost::ulong_long_type;
-}  // namespace zlv_boost
-#define boost zlv_boost
-#include <boost/json/basic_parser_impl.hpp>
-#include <boost/json/src.hpp>
-#undef boost
-
+#define ZLV_JSON_PARSER
 #include <ZolvaCheckoutKit/Core/Values/ZLVDecoded.h>
+#include <ZolvaCheckoutKit/Core/Values/ZLVJSONLibrary.h>
+#include <ZolvaCheckoutKit/Core/Values/ZLVNumberText.h>
 #include <ZolvaCheckoutKit/Core/Values/ZLVText.h>
 #include <ZolvaCheckoutKit/ZLVMappable.h>
 
@@ -106,8 +94,8 @@ class ValueBuilder {
     return add(number, error);
   }
   bool on_double(double number, json::string_view text, json::error_code& error) {
-    // The parser rounds more than once; its number stays only where it is too large or too small.
-    std::from_chars(text.data(), text.data() + text.size(), number);
+    // The parser rounds more than once.
+    number = ZLVExactNumber({text.data(), text.size()}, number);
     if (std::isfinite(number)) return add(number, error);
     error = json::error::exponent_overflow;
     return false;

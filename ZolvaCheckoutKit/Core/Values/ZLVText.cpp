@@ -1,9 +1,5 @@
 #include <algorithm>
-#include <array>
-#include <charconv>
-#include <cmath>
 #include <cstdint>
-#include <cstdlib>
 
 #include <ZolvaCheckoutKit/Core/Values/ZLVText.h>
 
@@ -104,35 +100,4 @@ std::string ZLVOneLine(std::string_view text) {
     }
   }
   return line;
-}
-
-std::string ZLVDecimalText(double number) {
-  if (std::isnan(number)) return "NaN";
-  if (std::isinf(number)) return number < 0 ? "-Infinity" : "Infinity";
-
-  // "d[.ddd]e(+|-)dd". No other place turns a double into digits.
-  std::array<char, 32> buffer{};
-  const auto end = std::to_chars(buffer.data(), buffer.data() + buffer.size(), std::abs(number),
-                                 std::chars_format::scientific);
-  auto* const mark = std::find(buffer.data(), end.ptr, 'e');
-  int exponent = 0;
-  std::from_chars(mark + 2, end.ptr, exponent);
-  if (mark[1] == '-') exponent = -exponent;
-  std::string text(buffer.data(), mark);
-  if (text.size() > 1) text.erase(1, 1);
-
-  const auto count = static_cast<int>(text.size());
-  const int whole = exponent + 1;  // digits before the point
-  if (whole < -5 || whole > 21) {
-    if (count > 1) text.insert(1, 1, '.');
-    text += exponent < 0 ? "e-" : "e+";
-    text += std::to_string(std::abs(exponent));
-  } else if (whole <= 0) {
-    text.insert(0, "0." + std::string(static_cast<std::size_t>(-whole), '0'));
-  } else if (whole < count) {
-    text.insert(static_cast<std::size_t>(whole), 1, '.');
-  } else {
-    text.append(static_cast<std::size_t>(whole - count), '0');
-  }
-  return number < 0 ? "-" + text : text;  // minus zero loses its sign
 }

@@ -27,10 +27,6 @@ std::string ZLVUTF8Text(std::string_view bytes);
 /// `text` with its control characters written as JSON writes them, so that it stays one line.
 std::string ZLVOneLine(std::string_view text);
 
-/// The fewest digits that read back as `number`, written as ECMAScript does: plainly from 1e-6 up
-/// to 1e21 ("100000", "0.25"), with an exponent beyond ("1e+21"); zero has no sign.
-std::string ZLVDecimalText(double number);
-
 /// The value of a hexadecimal digit, or -1.
 constexpr int ZLVHexDigit(char character) noexcept {
   if (character >= '0' && character <= '9') return character - '0';

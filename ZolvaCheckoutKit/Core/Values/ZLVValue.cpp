@@ -4,6 +4,7 @@
 #include <limits>
 
 #include <ZolvaCheckoutKit/Core/Values/ZLVJSONSerialization.h>
+#include <ZolvaCheckoutKit/Core/Values/ZLVNumberText.h>
 #include <ZolvaCheckoutKit/Core/Values/ZLVText.h>
 #include <ZolvaCheckoutKit/ZLVMappable.h>
 #include <ZolvaCheckoutKit/ZLVValue.h>
