@@ -15,6 +15,19 @@ inline constexpr std::string_view ZLVErrorDomain = "com.zolva.checkoutkit";
 /// The server asks for a page to be shown and names none that can be. The code is -1, and the user
 /// info says under "Error message": "url is null".
 inline constexpr std::string_view ZLVCheckoutErrorDomain = "com.zolva.checkoutkit.checkout";
+/// User info: stands, as true, in an error of `NSURLErrorDomain` when a server had received the
+/// request before the call failed, such as one that redirected it to a server that cannot be
+/// reached.
+inline constexpr std::string_view ZLVErrorRequestWasSentKey = "ZLVErrorRequestWasSent";
+
+/// What Objective-C++ finds under the same names in its Foundation, with types of its own; there,
+/// ours need the prefix `ZLVFoundation::`, and anywhere else they need none. The values are equal.
+#ifdef __OBJC__
+namespace ZLVFoundation {
+#else
+inline namespace ZLVFoundation {
+#endif
+
 /// The call got no answer that can be used. The codes are those of `NSURLError`.
 inline constexpr std::string_view NSURLErrorDomain = "NSURLErrorDomain";
 /// There is an answer that cannot be read. The code is `NSPropertyListReadCorruptError`.
@@ -30,10 +43,6 @@ inline constexpr std::string_view NSUnderlyingErrorKey = "NSUnderlyingError";
 /// User info, in an error of `NSURLErrorDomain`: the URL that failed, a text without user name and
 /// password. After a redirect it is the URL that the server named.
 inline constexpr std::string_view NSURLErrorFailingURLStringErrorKey = "NSErrorFailingURLStringKey";
-/// User info: stands, as true, in an error of `NSURLErrorDomain` when a server had received the
-/// request before the call failed, such as one that redirected it to a server that cannot be
-/// reached.
-inline constexpr std::string_view ZLVErrorRequestWasSentKey = "ZLVErrorRequestWasSent";
 
 /// Codes of `NSURLErrorDomain`, the same on every platform. Whether the request may have been
 /// carried out all the same, `ZLVError::requestMayHaveTakenEffect` tells.
@@ -123,6 +132,8 @@ enum NSURLError : std::int64_t {
 /// record of the call. The description says what is wrong and, in a text that is not JSON, at which
 /// byte; it does not repeat what stands there.
 inline constexpr std::int64_t NSPropertyListReadCorruptError = 3840;
+
+}  // namespace ZLVFoundation
 
 /// A failure handed to a completion. An immutable value; copy it freely, read it on any thread.
 class ZLV_EXPORT ZLVError {

@@ -1,6 +1,7 @@
 # How this project's own targets are compiled and linked. All of it is scoped to the project's
 # directory: nothing reaches a parent project's targets or a consumer.
 include(CheckCXXCompilerFlag)
+include(CheckLinkerFlag)
 include(CheckPIESupported)
 
 set(CMAKE_CXX_STANDARD 20)
@@ -11,9 +12,30 @@ set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
 set(CMAKE_POSITION_INDEPENDENT_CODE ON)
 check_pie_supported(LANGUAGES CXX)
 
+# zlv_compile_options(options...), zlv_link_options(options...): those of the options that the compiler
+# and the linker know.
+function(zlv_compile_options)
+  foreach(option IN LISTS ARGN)
+    string(MAKE_C_IDENTIFIER "ZLV_HAS_${option}" is_known)
+    check_cxx_compiler_flag(${option} ${is_known})
+    add_compile_options($<$<BOOL:${${is_known}}>:${option}>)
+  endforeach()
+endfunction()
+function(zlv_link_options)
+  foreach(option IN LISTS ARGN)
+    string(MAKE_C_IDENTIFIER "ZLV_HAS_${option}" is_known)
+    check_linker_flag(CXX ${option} ${is_known})
+    add_link_options($<$<BOOL:${${is_known}}>:${option}>)
+  endforeach()
+endfunction()
+
 # Most of the JSON library that is compiled in goes unused: let the linker drop it.
-add_compile_options(-ffunction-sections -fdata-sections)
-add_link_options(LINKER:--gc-sections)
+zlv_compile_options(-ffunction-sections -fdata-sections)
+if(APPLE)
+  zlv_link_options(LINKER:-dead_strip)
+else()
+  zlv_link_options(LINKER:--gc-sections)
+endif()
 
 if(ZLV_WARNINGS_AS_ERRORS)
   add_compile_options(-Wall -Wextra -Wpedantic -Wconversion -Wshadow -Werror)
@@ -23,12 +45,9 @@ if(ZLV_WARNINGS_AS_ERRORS)
 endif()
 
 if(ZLV_HARDENING)
-  add_compile_options(-fstack-protector-strong)
+  zlv_compile_options(-fstack-protector-strong)
   # Fortification needs optimisation; distributions may define it already.
   add_compile_options("$<$<CONFIG:Release,RelWithDebInfo,MinSizeRel>:-U_FORTIFY_SOURCE;-D_FORTIFY_SOURCE=2>")
-  check_cxx_compiler_flag(-fcf-protection ZLV_HAS_CF_PROTECTION)
-  if(ZLV_HAS_CF_PROTECTION)
-    add_compile_options(-fcf-protection)
-  endif()
-  add_link_options(LINKER:-z,relro,-z,now)
+  zlv_compile_options(-fcf-protection)
+  zlv_link_options(LINKER:-z,relro,-z,now)
 endif()

@@ -7,6 +7,9 @@ function(zlv_library name component)
   target_sources(${name} PUBLIC
     FILE_SET HEADERS BASE_DIRS ${PROJECT_SOURCE_DIR} FILES ${headers})
   target_compile_features(${name} PUBLIC cxx_std_20)
+  if(WIN32 AND BUILD_SHARED_LIBS)
+    target_compile_definitions(${name} PUBLIC ZLV_SHARED)  # see ZLVExport.h
+  endif()
   # Until 1.0 every minor version may change the binary interface.
   set_target_properties(${name} PROPERTIES
     EXPORT_NAME ${component}

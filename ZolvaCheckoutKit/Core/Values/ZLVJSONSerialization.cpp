@@ -7,7 +7,7 @@
 
 #include <ZolvaCheckoutKit/Core/Values/ZLVJSONSerialization.h>
 
-#define ZLV_JSON_PARSER
+#define ZLV_JSON_PARSER  // this file is the one that has all of the JSON library
 #include <ZolvaCheckoutKit/Core/Values/ZLVDecoded.h>
 #include <ZolvaCheckoutKit/Core/Values/ZLVJSONLibrary.h>
 #include <ZolvaCheckoutKit/Core/Values/ZLVNumberText.h>
