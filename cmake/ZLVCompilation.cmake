@@ -46,6 +46,9 @@ endif()
 
 if(ZLV_HARDENING)
   zlv_compile_options(-fstack-protector-strong)
+  if(MINGW)
+    zlv_link_options(-fstack-protector-strong) # stands in a library of its own there
+  endif()
   # Fortification needs optimisation; distributions may define it already.
   add_compile_options("$<$<CONFIG:Release,RelWithDebInfo,MinSizeRel>:-U_FORTIFY_SOURCE;-D_FORTIFY_SOURCE=2>")
   zlv_compile_options(-fcf-protection)
