@@ -79,6 +79,9 @@ class ZLV_EXPORT ZLVValue {
   template <std::unsigned_integral Unsigned>
   requires(!std::same_as<Unsigned, bool>) ZLVValue(Unsigned value)
   noexcept : storage_(fromUnsigned(value)) {}
+  /// A character is no number, and whether one has a sign differs between processors.
+  template <std::same_as<char> Character>
+  ZLVValue(Character character) = delete;
   /// Keeps what is no number or not finite, too; such a value cannot be sent.
   ZLVValue(double value) noexcept : storage_(value) {}
   /// Makes a text, and makes it UTF-8.

@@ -50,6 +50,7 @@ constexpr int compiled(Readings... /*readings*/) {
   return (int{std::is_invocable_v<Readings, Value>} + ...);
 }
 
+static_assert(!std::constructible_from<ZLVValue, char>);
 static_assert(compiled<const ZLVValue&>(textOf, arrayOf, fieldsOf) == 3);
 static_assert(compiled<ZLVValue>(textOf, arrayOf, fieldsOf) == 0);
 static_assert(compiled<const ZLVValue>(textOf, arrayOf, fieldsOf) == 0);
