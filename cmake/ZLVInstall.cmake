@@ -18,6 +18,10 @@ function(zlv_install component)
   endif()
 
   get_target_property(target ZolvaCheckoutKit::${component} ALIASED_TARGET)
+  get_target_property(library ${target} OUTPUT_NAME)
+  if(NOT library)
+    set(library ${target})
+  endif()
   install(TARGETS ${target} EXPORT ${target} FILE_SET HEADERS)
   install(EXPORT ${target} NAMESPACE ZolvaCheckoutKit:: DESTINATION ${ZLV_PACKAGE_DIR}
           FILE ZolvaCheckoutKit${component}Targets.cmake)
