@@ -81,8 +81,8 @@ ZLV_API const char* zlv_last_fault(void);
 
 // ---- What the host asks of the library
 
-/// Receives the one answer of an operation: `record`, the server's answer as a JSON object with its
-/// own keys, or `error`, the other being NULL.
+/// Receives the one answer of an operation: `record`, what the library took of the server's answer,
+/// as a JSON object under the server's keys, or `error`, the other being NULL.
 ///
 ///     {"domain": "com.zolva.checkoutkit", "code": 404, "description": "Account not found.",
 ///      "request_may_have_taken_effect": false, "user_info": {…}}
