@@ -19,6 +19,8 @@ Struct sized() {
   return made;
 }
 
+/// Refers to the body.
+zlv_answer answerOf(std::int64_t status, std::string&& body) = delete;
 inline zlv_answer answerOf(std::int64_t status, const std::string& body) {
   auto answer = sized<zlv_answer>();
   answer.status_code = status;
@@ -137,7 +139,8 @@ struct FakeHost {
 
   void send(const Task& task) {
     if (task.url.ends_with("/1/upload")) {
-      const auto answer = answerOf(200, "{}");
+      const std::string body = "{}";
+      const auto answer = answerOf(200, body);
       zlv_task_answer(task.handle, &answer);
       return;
     }
