@@ -48,6 +48,8 @@ using Make = std::unique_ptr<Contender> (*)();
 std::unique_ptr<Contender> makeLibrary();
 /// `ZLVClient::enquireAccountWithAccountID`; the event is a second call to a server.
 std::unique_ptr<Contender> makeClient();
+/// The client's call through the C interface; installs itself.
+std::unique_ptr<Contender> makeBoundary();
 /// libcurl's multi interface on a thread that decodes the answers and hands them over to the main
 /// thread.
 std::unique_ptr<Contender> makeCurl();

@@ -81,7 +81,8 @@ Rows speedRows(const Run& run) {
                           {&makeQt, false, calls / 2},
                           {&makeSocket, false, calls},
                           {&makeClient, true, calls},
-                          {&makeCurlWithUsedHandles, false, calls}},
+                          {&makeCurlWithUsedHandles, false, calls},
+                          {&makeBoundary, false, calls}},
                          1, true);
   const auto many = costs(run,
                           {{&makeLibrary, true, 5 * calls},
@@ -106,6 +107,9 @@ Rows speedRows(const Run& run) {
       ahead("beside a raw blocking socket, latency", 0, one[0], one[4], seconds),
       ahead("beside the client's call with its usage event, a second call, latency", 0, one[0],
             one[5], seconds),
+      atMost("the client's call through the C interface: latency, over C++", 1.15, one[7], one[5],
+             seconds),
+      atMost("the client's call through the C interface: CPU, over C++", 1.15, one[7], one[5], CPU),
   };
 }
 

@@ -94,7 +94,7 @@ TEST_F(BoundaryBefore, RefusesWhatIsNoPlatform) {
   refused([](auto& platform) { platform.last_child_view = nullptr; }, "last_child_view");
   refused([](auto& platform) { platform.show_page = nullptr, platform.hide_page = nullptr; },
           "show_page");
-  refused([](auto& platform) { platform.device_fact = nullptr; }, "version");
+  refused([](auto& platform) { platform.device_fact = nullptr; }, "no ");
 
   // A later version's, which is taken as long as nothing of it is used.
   struct Later {
