@@ -395,8 +395,8 @@ TEST_F(Boundary, FactsAreTakenWhileTheyAreAsked) {
 }
 
 TEST_F(Boundary, ManyThreadsAtOnce) {
-  constexpr int threads = 4;
-  constexpr int calls = 100;
+  constexpr std::size_t threads = 4;
+  constexpr std::size_t calls = 100;
   const std::string body = account;
   std::array<Answers, threads * calls> each;
   // Two that end the same task, while the main thread runs the blocks.
@@ -406,12 +406,13 @@ TEST_F(Boundary, ManyThreadsAtOnce) {
     zlv_task_answer(task.handle, &good);
     other.join();
   };
-  std::atomic<int> running = threads;
+  std::atomic<std::size_t> running = threads;
   std::vector<std::thread> callers;
-  for (int i = 0; i < threads; ++i) {
+  callers.reserve(threads);
+  for (std::size_t i = 0; i < threads; ++i) {
     callers.emplace_back([&, i] {
-      for (int call = 0; call < calls; ++call) {
-        zlv_enquire("acc", Answers::receive, &each.at(static_cast<std::size_t>(i * calls + call)));
+      for (std::size_t call = 0; call < calls; ++call) {
+        zlv_enquire("acc", Answers::receive, &each.at(i * calls + call));
       }
       --running;
     });

@@ -21,7 +21,7 @@ TEST(BuiltIn, QueueAndConsole) {
   platform.application_version = "2.1";
   platform.fault = nullptr;
   platform.log = [](void* context, const char* line) {
-    FakeHost::of(context).faults.push_back(line);
+    FakeHost::of(context).faults.emplace_back(line);
   };
   platform.show_page = nullptr;
   platform.hide_page = nullptr;

@@ -32,12 +32,12 @@ inline zlv_answer answerOf(std::int64_t status, const std::string& body) {
 /// A host whose every function is a fake. Usage events are answered at once, on the main thread.
 struct FakeHost {
   struct Task {
-    zlv_task* handle;
+    zlv_task* handle = nullptr;
     std::string method, url, body;
   };
   struct Page {
-    zlv_page* handle;
-    void* view;
+    zlv_page* handle = nullptr;
+    void* view = nullptr;
     std::string url;
   };
   /// A view of the host's tree; its address is the host's view.

@@ -16,6 +16,8 @@
 
 #include "Tests/C/FakeHost.h"
 
+// NOLINTBEGIN(*-no-malloc,*-owning-memory): memory itself
+
 namespace {
 
 /// How many allocations of the library's succeed before one fails; none does below zero.
@@ -33,6 +35,8 @@ std::atomic<int> untilFailure{-1};
 [[gnu::noinline]] void operator delete(void* memory, std::size_t /*size*/) noexcept {
   std::free(memory);
 }
+
+// NOLINTEND(*-no-malloc,*-owning-memory)
 
 TEST(BoundaryMemory, AnswersOnceWithoutIt) {
   auto& host = FakeHost::installed();

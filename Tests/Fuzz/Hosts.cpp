@@ -31,9 +31,18 @@ auto handleOf(const Given& given, std::size_t number) {
   return pick(given, number).handle;
 }
 
+/// All of them, those too that come in meanwhile.
+void each(const auto& given, auto use) {
+  for (std::size_t next = 0; next < given.size();) {
+    const auto one = given[next++];
+    use(one);
+  }
+}
+
 class Script {
  public:
   explicit Script(std::string_view text) : text_(text) {
+    host_.root = nullptr;
     host_.blocks.clear();
     host_.tasks.clear();
     host_.pages.clear();
@@ -47,10 +56,10 @@ class Script {
     host_.onSend = nullptr;
     host_.onFact = nullptr;
     zlv_view_release(view_);
-    for (std::size_t i = 0; i < host_.tasks.size(); ++i) zlv_task_release(host_.tasks[i].handle);
+    each(host_.tasks, [](const auto& task) { zlv_task_release(task.handle); });
     runBlocks();
     show_ = '1';
-    for (std::size_t i = 0; i < host_.pages.size(); ++i) zlv_page_closed(host_.pages[i].handle);
+    each(host_.pages, [](const auto& page) { zlv_page_closed(page.handle); });
     runBlocks();
     for (const auto& call : calls_) {
       promise(call.answers.count() == (call.result == ZLV_OK ? 1U : 0U),
@@ -164,7 +173,7 @@ class Script {
   }
 
   void runBlocks() {
-    for (std::size_t i = 0; i < host_.blocks.size(); ++i) zlv_block_run(host_.blocks[i]);
+    each(host_.blocks, [](auto* block) { zlv_block_run(block); });
   }
 
   FakeHost& host_ = FakeHost::installed();
