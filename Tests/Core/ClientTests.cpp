@@ -2,6 +2,7 @@
 
 #include "Tests/Support/FakePlatform.h"
 #include "ZolvaCheckoutKit/Core/Checkout/ZLVWebViewController.h"
+#include "ZolvaCheckoutKit/ZLVAwait.h"
 
 namespace {
 
@@ -44,10 +45,13 @@ class Client : public testing::Test {
     }
   }
 
+  /// Who waits for the answers.
+  enum class Listener { Completion, Nobody, Coroutine };
+
   /// A completion that notes its call in the journal; an empty one while nobody listens.
   template <class Record>
   ZLVCompletionHandler<Record> note() {
-    if (!isListening) return {};
+    if (listener == Listener::Nobody) return {};
     return [this](std::shared_ptr<Record> record, const std::optional<ZLVError>& error) {
       EXPECT_NE(record == nullptr, !error);
       result = record;
@@ -55,20 +59,61 @@ class Client : public testing::Test {
       journal().push_back("completion");
     };
   }
+  template <class Record>
+  ZLVDetached wait(ZLVAwaitable<Record> operation) {
+    const auto outcome = co_await operation;
+    note<Record>()(outcome ? outcome.record() : nullptr,
+                   outcome ? std::nullopt : std::optional(outcome.error()));
+  }
   void link() {
-    ZLVClient::linkAccountWithPaymentType("zolva",
-                                          ZLVPartnerDetails::initWithPhoneNumber("5550123", "1"),
-                                          presenter, note<ZLVLinkAccountResult>());
+    auto details = ZLVPartnerDetails::initWithPhoneNumber("5550123", "1");
+    if (listener == Listener::Coroutine) {
+      wait(ZLVAwait::linkAccount("zolva", details, presenter));
+    } else {
+      ZLVClient::linkAccountWithPaymentType("zolva", details, presenter,
+                                            note<ZLVLinkAccountResult>());
+    }
   }
   void charge(ZLVRecords<ZLVItemDetails> items = {}) {
+    if (listener == Listener::Coroutine) {
+      const ZLVRecords<ZLVItemDetails>& given = items;
+      ZLVCharge charge{.paymentType = "zolva",
+                       .accountID = "acc",
+                       .paymentOptionToken = "tok",
+                       .grossAmount = 10000,
+                       .orderID = "o-1",
+                       .currency = "EUR",
+                       .phoneNumber = "5550123",
+                       .firstName = "Ada",
+                       .lastName = "L",
+                       .email = "a@b.c",
+                       .viewController = presenter};
+      for (std::size_t i = 0; given && i < given->size(); ++i) {
+        charge.items.push_back({.itemID = (*given)[i]->itemID()});
+      }
+      wait(ZLVAwait::createTransaction(std::move(charge)));
+      return;
+    }
     ZLVClient::createTransactionWithPaymentType(
         "zolva", presenter, ZLVZolvaDetails::initWithAccountID("acc", "tok"),
         ZLVTransactionDetails::initWithGrossAmount(10000, "o-1", "EUR"),
         ZLVCustomerDetails::initWithPhoneNumber("5550123", "Ada", "L", "a@b.c"), std::move(items),
         note<ZLVTransactionResult>());
   }
-  void enquire() { ZLVClient::enquireAccountWithAccountID("abc", note<ZLVAccountInfo>()); }
-  void disable() { ZLVClient::disableAccountWithAccountID("abc", note<ZLVDisableAccountResult>()); }
+  void enquire() {
+    if (listener == Listener::Coroutine) {
+      wait(ZLVAwait::enquireAccount("abc"));
+    } else {
+      ZLVClient::enquireAccountWithAccountID("abc", note<ZLVAccountInfo>());
+    }
+  }
+  void disable() {
+    if (listener == Listener::Coroutine) {
+      wait(ZLVAwait::disableAccount("abc"));
+    } else {
+      ZLVClient::disableAccountWithAccountID("abc", note<ZLVDisableAccountResult>());
+    }
+  }
   void answer(int status, const std::string& body) {
     platform.session.merchant.back().answer(status, body);
     platform.queue->drain();
@@ -87,7 +132,7 @@ class Client : public testing::Test {
   std::shared_ptr<ZLVViewController> presenter = std::make_shared<ZLVViewController>();
   std::shared_ptr<ZLVMappable> result;
   std::optional<ZLVError> failure;
-  bool isListening = true;
+  Listener listener = Listener::Completion;
 
   /// The operations, what their events are called after, and the actions of those with a page.
   struct Operation {
@@ -143,12 +188,60 @@ TEST_F(Client, SendsItsRequests) {
         request.HTTPMethod + " " + url.substr(root.size()) + " " + request.HTTPBody.value_or(""),
         expected);
   }
+  listener = Listener::Coroutine;  // the same; a charge without items leaves them out
+  for (const std::size_t index : {0, 1, 2, 4, 6}) {
+    requests[index].first();
+    const auto& sent = platform.session.merchant;
+    EXPECT_EQ(sent.back().request.HTTPBody, sent[index].request.HTTPBody);
+    EXPECT_EQ(sent.back().request.URL->absoluteString(), sent[index].request.URL->absoluteString());
+  }
+}
+
+namespace {
+
+/// A coroutine that its owner can end.
+struct Owned {
+  struct promise_type {
+    Owned get_return_object() { return {std::coroutine_handle<promise_type>::from_promise(*this)}; }
+    static std::suspend_never initial_suspend() noexcept { return {}; }
+    static std::suspend_always final_suspend() noexcept { return {}; }
+    static void return_void() noexcept {}
+    static void unhandled_exception() { throw; }
+  };
+  std::coroutine_handle<promise_type> handle;
+};
+
+}  // namespace
+
+TEST_F(Client, ACoroutineMayEndWhileItWaitsAndMeetsFaultsWhereItStands) {
+  bool hasGoneOn = false;
+  const auto waitingFor = [&](ZLVAwaitable<ZLVAccountInfo> operation) -> Owned {
+    co_await operation;
+    hasGoneOn = true;
+  };
+  const auto owned = waitingFor(ZLVAwait::enquireAccount("abc"));
+  owned.handle.destroy();
+  answer(200, "{}");
+  EXPECT_FALSE(hasGoneOn);
+  EXPECT_EQ(takeJournal(), Journal{"Enquire Account Success"});
+
+  std::string fault;
+  const auto charge = [&]() -> ZLVDetached {
+    try {
+      co_await ZLVAwait::createTransaction({.accountID = "acc", .firstName = "Ada"});
+    } catch (const ZLVProgrammingFault& thrown) {
+      fault = thrown.what();
+    }
+  };
+  charge();
+  EXPECT_EQ(fault, "createTransactionWithPaymentType: no payment type");
 }
 
 TEST_F(Client, RecordsTheEventBeforeItCompletesIfAnyoneListens) {
   for (const auto& operation : operations) {
-    for (const bool listens : {true, false}) {
-      isListening = listens;
+    for (const auto each : {Listener::Completion, Listener::Nobody, Listener::Coroutine}) {
+      listener = each;
+      const bool listens = each != Listener::Nobody;
       const auto expectAnswer = [&](Journal events) {
         if (listens) events.emplace_back("completion");
         EXPECT_EQ(takeJournal(), events);

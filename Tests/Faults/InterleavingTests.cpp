@@ -14,6 +14,7 @@
 #include <unistd.h>
 
 #include <ZolvaCheckoutKit/Platform/Linux/ZLVConsoleUserInterface.h>
+#include <ZolvaCheckoutKit/ZLVAwait.h>
 
 #include "Tests/Faults/Library.h"
 #include "Tests/Support/RawServer.h"
@@ -71,6 +72,10 @@ class Interleaving : public testing::Test {
       }
     }
   }
+  static ZLVDetached awaitEnquiry(Library::Completion completion) {
+    const auto account = co_await ZLVAwait::enquireAccount(Library::account);
+    completion({account ? std::nullopt : std::optional(account.error()), {}});
+  }
   /// Starts a number of calls on each of eight threads and waits for these.
   static void callFromEightThreads(int callsEach, const Library::Completion& completion) {
     std::vector<std::jthread> threads;
@@ -78,7 +83,9 @@ class Interleaving : public testing::Test {
     for (int thread = 0; thread < 8; ++thread) {
       threads.emplace_back([=] {
         for (int i = 0; i < callsEach; ++i) {
-          (i % 2 == 0 ? &Library::enquire : &Library::charge)(completion);
+          i % 3 == 0   ? Library::enquire(completion)
+          : i % 3 == 1 ? Library::charge(completion)
+                       : void(awaitEnquiry(completion));
         }
       });
     }

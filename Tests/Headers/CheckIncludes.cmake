@@ -14,7 +14,7 @@ set(fast_float "fast_float/.*")
 set(values "ZolvaCheckoutKit/ZLV(Error|Export|Mappable|OptionalText|URL|Value)\\.h")
 set(version "ZolvaCheckoutKit/ZLVVersion\\.h")  # what the library does depends on no release
 set(records "ZolvaCheckoutKit/ZLV([A-Za-z]+Records|Vendor)\\.h")
-set(facade "ZolvaCheckoutKit/(ZLVClient|ZolvaCheckoutKit)\\.h")
+set(facade "ZolvaCheckoutKit/(ZLVAwait|ZLVClient|ZolvaCheckoutKit)\\.h")
 set(core_values "ZolvaCheckoutKit/Core/Values/[A-Za-z]+\\.h")
 set(core "ZolvaCheckoutKit/Core/(Analytics|Checkout|Helpers|Models|Network|Values)/[A-Za-z_]+\\.h")
 set(ports "ZolvaCheckoutKit/Platform/[A-Za-z]+\\.h")
@@ -66,6 +66,7 @@ file(GLOB_RECURSE all RELATIVE ${ROOT}
      ${ROOT}/Sandbox/*.h ${ROOT}/Sandbox/*.cpp ${ROOT}/Apps/*.h ${ROOT}/Apps/*.cpp)
 
 may_include("ZolvaCheckoutKit/ZolvaCheckoutKit\\.h" values version records facade ports)
+may_include("ZolvaCheckoutKit/ZLVAwait\\.h" standard values records facade)
 may_include("ZolvaCheckoutKit/[A-Za-z]+\\.h" standard values records)
 may_include("ZolvaCheckoutKit/Core/Client/.*" standard values records facade core ports)
 may_include("ZolvaCheckoutKit/Core/Values/ZLVJSONLibrary\\.h" boost)

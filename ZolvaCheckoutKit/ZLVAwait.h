@@ -1,0 +1,207 @@
+#pragma once
+
+#include <coroutine>
+#include <exception>
+#include <memory>
+#include <optional>
+#include <utility>
+#include <variant>
+#include <vector>
+
+#include <ZolvaCheckoutKit/ZLVClient.h>
+
+/// @file
+/// The operations of `ZLVClient` for coroutines.
+///
+/// ```cpp
+/// ZLVDetached showAccount(std::string id) {
+///   const auto account = co_await ZLVAwait::enquireAccount(id);
+///   if (!account) co_return show(account.error().localizedDescription());
+///   show(account->accountStatus().description());
+/// }
+/// ```
+
+/// What an operation came to: a record, or the error in its place.
+template <class Record>
+class ZLVResult {
+ public:
+  explicit ZLVResult(std::shared_ptr<Record> record) : outcome_(std::move(record)) {}
+  explicit ZLVResult(ZLVError error) : outcome_(std::move(error)) {}
+
+  /// Whether there is a record.
+  explicit operator bool() const noexcept { return outcome_.index() == 0; }
+
+  /// The record, which may be kept. Throws `std::bad_variant_access` where there is an error.
+  [[nodiscard]] const std::shared_ptr<Record>& record() const& { return std::get<0>(outcome_); }
+  [[nodiscard]] std::shared_ptr<Record> record() && { return std::get<0>(std::move(outcome_)); }
+  Record* operator->() const { return record().get(); }
+  Record& operator*() const { return *record(); }
+
+  /// Throws `std::bad_variant_access` where there is a record.
+  [[nodiscard]] const ZLVError& error() const& { return std::get<1>(outcome_); }
+  [[nodiscard]] ZLVError error() && { return std::get<1>(std::move(outcome_)); }
+
+ private:
+  std::variant<std::shared_ptr<Record>, ZLVError> outcome_;
+};
+
+/// An operation that is to be awaited, once, in a coroutine of any type on any thread. It starts
+/// there, and the coroutine goes on on the main thread, from the platform's main queue, with a
+/// `ZLVResult`. What the operation throws for want of an argument is thrown at the `co_await`.
+///
+/// A coroutine that is destroyed while it waits, on the main thread, is not resumed; the call goes
+/// on without it, and nothing is sent again or taken back.
+template <class Record>
+class ZLVAwaitable {
+ public:
+  using Start = ZLVOnce<void(ZLVCompletionHandler<Record>)>;
+
+  explicit ZLVAwaitable(Start start) : start_(std::move(start)) {}
+  ZLVAwaitable(ZLVAwaitable&&) noexcept = default;
+  ZLVAwaitable& operator=(ZLVAwaitable&&) = delete;
+  ~ZLVAwaitable() {
+    if (waiting_) waiting_->coroutine = nullptr;
+  }
+
+  static constexpr bool await_ready() noexcept { return false; }
+
+  void await_suspend(std::coroutine_handle<> coroutine) {
+    auto waiting = std::make_shared<Waiting>(Waiting{coroutine, std::nullopt});
+    waiting_ = waiting;
+    // The answer may be there, and this object gone, before the call below returns.
+    auto start = std::move(start_);
+    std::move(start)([waiting = std::move(waiting)](std::shared_ptr<Record> record,
+                                                    std::optional<ZLVError> error) {
+      if (error) {
+        waiting->result.emplace(*std::move(error));
+      } else {
+        waiting->result.emplace(std::move(record));
+      }
+      if (waiting->coroutine) std::exchange(waiting->coroutine, nullptr).resume();
+    });
+  }
+
+  ZLVResult<Record> await_resume() { return *std::move(waiting_->result); }
+
+ private:
+  struct Waiting {
+    std::coroutine_handle<> coroutine;  // null once it has gone on, or is gone
+    std::optional<ZLVResult<Record>> result;
+  };
+
+  Start start_;
+  std::shared_ptr<Waiting> waiting_;
+};
+
+/// A coroutine that nobody waits for, for hosts without a coroutine type of their own. It starts at
+/// once; what it throws leaves where it runs: the caller until it first waits, then the main queue.
+struct ZLVDetached {
+  struct promise_type {
+    static ZLVDetached get_return_object() noexcept { return {}; }
+    static std::suspend_never initial_suspend() noexcept { return {}; }
+    static std::suspend_never final_suspend() noexcept { return {}; }
+    static void return_void() noexcept {}
+    [[noreturn]] static void unhandled_exception() { throw; }
+  };
+};
+
+/// All that a charge says, field by field; what is not given is absent, and left out of the
+/// request.
+///
+/// ```cpp
+/// ZLVCharge charge{.paymentType = "zolva",
+///                  .accountID = id,
+///                  .paymentOptionToken = token,
+///                  .grossAmount = 12.5,
+///                  .orderID = "order-1",
+///                  .currency = "EUR",
+///                  .items = {{.itemID = "1", .name = "Beans", .price = 12.5, .quantity = 1}},
+///                  .viewController = window};
+/// const auto result = co_await ZLVAwait::createTransaction(std::move(charge));
+/// ```
+struct ZLVCharge {
+  /// One purchased item; price and quantity are numbers.
+  struct Item {
+    ZLVValue itemID = {};
+    ZLVValue name = {};
+    ZLVValue price = {};
+    ZLVValue quantity = {};
+    ZLVValue category = {};
+  };
+
+  /// How it is paid; required.
+  ZLVOptionalText paymentType = {};
+  /// The linked account, as the merchant's server names it.
+  ZLVValue accountID = {};
+  /// Of the account's payment option to pay with.
+  ZLVValue paymentOptionToken = {};
+  /// A number in the currency's main unit.
+  ZLVValue grossAmount = {};
+  /// The merchant's order.
+  ZLVValue orderID = {};
+  /// ISO 4217 code.
+  ZLVValue currency = {};
+  /// The customer's.
+  ZLVValue phoneNumber = {};
+  ZLVValue firstName = {};
+  ZLVValue lastName = {};
+  ZLVValue email = {};
+  /// Left out of the request when there are none.
+  std::vector<Item> items = {};
+  /// What a page of the wallet is shown over.
+  std::shared_ptr<ZLVViewController> viewController = {};
+};
+
+/// The operations, each as `ZLVClient` describes the one that it calls.
+namespace ZLVAwait {
+
+/// `ZLVClient::linkAccountWithPaymentType`.
+[[nodiscard]] inline ZLVAwaitable<ZLVLinkAccountResult> linkAccount(
+    ZLVOptionalText paymentType, std::shared_ptr<ZLVPartnerDetails> zolvaPartnerDetails,
+    std::shared_ptr<ZLVViewController> viewController) {
+  return ZLVAwaitable<ZLVLinkAccountResult>(
+      [paymentType = std::move(paymentType), details = std::move(zolvaPartnerDetails),
+       viewController = std::move(viewController)](auto handler) mutable {
+        ZLVClient::linkAccountWithPaymentType(std::move(paymentType), std::move(details),
+                                              std::move(viewController), std::move(handler));
+      });
+}
+
+/// `ZLVClient::enquireAccountWithAccountID`.
+[[nodiscard]] inline ZLVAwaitable<ZLVAccountInfo> enquireAccount(ZLVOptionalText accountID) {
+  return ZLVAwaitable<ZLVAccountInfo>([accountID = std::move(accountID)](auto handler) mutable {
+    ZLVClient::enquireAccountWithAccountID(std::move(accountID), std::move(handler));
+  });
+}
+
+/// `ZLVClient::disableAccountWithAccountID`.
+[[nodiscard]] inline ZLVAwaitable<ZLVDisableAccountResult> disableAccount(
+    ZLVOptionalText accountID) {
+  return ZLVAwaitable<ZLVDisableAccountResult>(
+      [accountID = std::move(accountID)](auto handler) mutable {
+        ZLVClient::disableAccountWithAccountID(std::move(accountID), std::move(handler));
+      });
+}
+
+/// `ZLVClient::createTransactionWithPaymentType`, with the records made of the charge where it is
+/// awaited.
+[[nodiscard]] inline ZLVAwaitable<ZLVTransactionResult> createTransaction(ZLVCharge charge) {
+  return ZLVAwaitable<ZLVTransactionResult>([charge = std::move(charge)](auto handler) {
+    ZLVRecords<ZLVItemDetails> items;
+    for (const auto& item : charge.items) {
+      if (!items) items.emplace();
+      items->push_back(ZLVItemDetails::initWithIthItemID(item.itemID, item.name, item.price,
+                                                         item.quantity, item.category));
+    }
+    ZLVClient::createTransactionWithPaymentType(
+        charge.paymentType, charge.viewController,
+        ZLVZolvaDetails::initWithAccountID(charge.accountID, charge.paymentOptionToken),
+        ZLVTransactionDetails::initWithGrossAmount(charge.grossAmount, charge.orderID,
+                                                   charge.currency),
+        ZLVCustomerDetails::initWithPhoneNumber(charge.phoneNumber, charge.firstName,
+                                                charge.lastName, charge.email),
+        std::move(items), std::move(handler));
+  });
+}
+
+}  // namespace ZLVAwait
