@@ -8,6 +8,7 @@
 #include <variant>
 #include <vector>
 
+#include <ZolvaCheckoutKit/Platform/ZLVOnce.h>
 #include <ZolvaCheckoutKit/ZLVClient.h>
 
 /// @file
@@ -25,7 +26,9 @@
 template <class Record>
 class ZLVResult {
  public:
+  /// A record that is not null.
   explicit ZLVResult(std::shared_ptr<Record> record) : outcome_(std::move(record)) {}
+  /// An error in the record's place.
   explicit ZLVResult(ZLVError error) : outcome_(std::move(error)) {}
 
   /// Whether there is a record.
@@ -33,12 +36,16 @@ class ZLVResult {
 
   /// The record, which may be kept. Throws `std::bad_variant_access` where there is an error.
   [[nodiscard]] const std::shared_ptr<Record>& record() const& { return std::get<0>(outcome_); }
+  /// The same, moved out of a result that goes away.
   [[nodiscard]] std::shared_ptr<Record> record() && { return std::get<0>(std::move(outcome_)); }
+  /// The record's fields. Throws as `record` does.
   Record* operator->() const { return record().get(); }
+  /// The record itself. Throws as `record` does.
   Record& operator*() const { return *record(); }
 
-  /// Throws `std::bad_variant_access` where there is a record.
+  /// The error. Throws `std::bad_variant_access` where there is a record.
   [[nodiscard]] const ZLVError& error() const& { return std::get<1>(outcome_); }
+  /// The same, moved out of a result that goes away.
   [[nodiscard]] ZLVError error() && { return std::get<1>(std::move(outcome_)); }
 
  private:
@@ -54,17 +61,22 @@ class ZLVResult {
 template <class Record>
 class ZLVAwaitable {
  public:
+  /// Starts the operation with the completion that it is to have.
   using Start = ZLVOnce<void(ZLVCompletionHandler<Record>)>;
 
+  /// An operation that has not started.
   explicit ZLVAwaitable(Start start) : start_(std::move(start)) {}
+  /// Before it is awaited.
   ZLVAwaitable(ZLVAwaitable&&) noexcept = default;
   ZLVAwaitable& operator=(ZLVAwaitable&&) = delete;
   ~ZLVAwaitable() {
     if (waiting_) waiting_->coroutine = nullptr;
   }
 
+  /// Never: an answer always comes later.
   static constexpr bool await_ready() noexcept { return false; }
 
+  /// Starts the operation.
   void await_suspend(std::coroutine_handle<> coroutine) {
     auto waiting = std::make_shared<Waiting>(Waiting{coroutine, std::nullopt});
     waiting_ = waiting;
@@ -81,6 +93,7 @@ class ZLVAwaitable {
     });
   }
 
+  /// What the operation came to.
   ZLVResult<Record> await_resume() { return *std::move(waiting_->result); }
 
  private:
@@ -96,12 +109,15 @@ class ZLVAwaitable {
 /// A coroutine that nobody waits for, for hosts without a coroutine type of their own. It starts at
 /// once; what it throws leaves where it runs: the caller until it first waits, then the main queue.
 struct ZLVDetached {
+  /// What the compiler asks of a coroutine's type.
   struct promise_type {
+    /// @cond
     static ZLVDetached get_return_object() noexcept { return {}; }
     static std::suspend_never initial_suspend() noexcept { return {}; }
     static std::suspend_never final_suspend() noexcept { return {}; }
     static void return_void() noexcept {}
     [[noreturn]] static void unhandled_exception() { throw; }
+    /// @endcond
   };
 };
 
@@ -120,12 +136,17 @@ struct ZLVDetached {
 /// const auto result = co_await ZLVAwait::createTransaction(std::move(charge));
 /// ```
 struct ZLVCharge {
-  /// One purchased item; price and quantity are numbers.
+  /// One purchased item.
   struct Item {
+    /// The merchant's name for it.
     ZLVValue itemID = {};
+    /// What the user reads.
     ZLVValue name = {};
+    /// Of one, a number in the currency's main unit.
     ZLVValue price = {};
+    /// How many, a number.
     ZLVValue quantity = {};
+    /// The merchant's.
     ZLVValue category = {};
   };
 
@@ -141,10 +162,13 @@ struct ZLVCharge {
   ZLVValue orderID = {};
   /// ISO 4217 code.
   ZLVValue currency = {};
-  /// The customer's.
+  /// The customer's number.
   ZLVValue phoneNumber = {};
+  /// The customer's first name.
   ZLVValue firstName = {};
+  /// The customer's last name.
   ZLVValue lastName = {};
+  /// The customer's address.
   ZLVValue email = {};
   /// Left out of the request when there are none.
   std::vector<Item> items = {};

@@ -66,7 +66,7 @@ file(GLOB_RECURSE all RELATIVE ${ROOT}
      ${ROOT}/Sandbox/*.h ${ROOT}/Sandbox/*.cpp ${ROOT}/Apps/*.h ${ROOT}/Apps/*.cpp)
 
 may_include("ZolvaCheckoutKit/ZolvaCheckoutKit\\.h" values version records facade ports)
-may_include("ZolvaCheckoutKit/ZLVAwait\\.h" standard values records facade)
+may_include("ZolvaCheckoutKit/ZLVAwait\\.h" standard values records facade ports)
 may_include("ZolvaCheckoutKit/[A-Za-z]+\\.h" standard values records)
 may_include("ZolvaCheckoutKit/Core/Client/.*" standard values records facade core ports)
 may_include("ZolvaCheckoutKit/Core/Values/ZLVJSONLibrary\\.h" boost)
