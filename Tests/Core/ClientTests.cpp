@@ -189,7 +189,7 @@ TEST_F(Client, SendsItsRequests) {
         expected);
   }
   listener = Listener::Coroutine;  // the same; a charge without items leaves them out
-  for (const std::size_t index : {0, 1, 2, 4, 6}) {
+  for (const auto index : {0U, 1U, 2U, 4U, 6U}) {
     requests[index].first();
     const auto& sent = platform.session.merchant;
     EXPECT_EQ(sent.back().request.HTTPBody, sent[index].request.HTTPBody);
