@@ -10,6 +10,9 @@ set(ZLV_PKG_CONFIG_DIR ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
 # that its headers use; PACKAGES (for CMake) and PKG_CONFIG name what a static library leaves its
 # user to link, and IMPORTED what pkg_check_modules calls those modules where CMake has no package.
 function(zlv_install component)
+  if(NOT ZLV_INSTALL)
+    return()
+  endif()
   cmake_parse_arguments(PARSE_ARGV 1 arg "" "IMPORTED" "REQUIRES;PACKAGES;PKG_CONFIG")
   if(BUILD_SHARED_LIBS)
     unset(arg_PACKAGES)
@@ -25,7 +28,8 @@ function(zlv_install component)
   install(TARGETS ${target} EXPORT ${target} FILE_SET HEADERS)
   install(EXPORT ${target} NAMESPACE ZolvaCheckoutKit:: DESTINATION ${ZLV_PACKAGE_DIR}
           FILE ZolvaCheckoutKit${component}Targets.cmake)
-  configure_file(cmake/ZolvaCheckoutKitComponent.cmake.in ZolvaCheckoutKit${component}.cmake @ONLY)
+  configure_file(${PROJECT_SOURCE_DIR}/cmake/ZolvaCheckoutKitComponent.cmake.in
+                 ${PROJECT_BINARY_DIR}/ZolvaCheckoutKit${component}.cmake @ONLY)
   install(FILES ${PROJECT_BINARY_DIR}/ZolvaCheckoutKit${component}.cmake
           DESTINATION ${ZLV_PACKAGE_DIR})
 
@@ -37,7 +41,8 @@ function(zlv_install component)
   list(JOIN requires " " requires)
   file(RELATIVE_PATH prefix
        ${CMAKE_INSTALL_PREFIX}/${ZLV_PKG_CONFIG_DIR} ${CMAKE_INSTALL_PREFIX})
-  configure_file(cmake/zolvacheckoutkit.pc.in ${module}.pc @ONLY)
+  configure_file(${PROJECT_SOURCE_DIR}/cmake/zolvacheckoutkit.pc.in
+                 ${PROJECT_BINARY_DIR}/${module}.pc @ONLY)
   install(FILES ${PROJECT_BINARY_DIR}/${module}.pc DESTINATION ${ZLV_PKG_CONFIG_DIR})
 endfunction()
 

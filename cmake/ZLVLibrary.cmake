@@ -1,3 +1,14 @@
+# zlv_part(FOLDER DEFAULT DESCRIPTION): the option ZLV_ and the folder's name, and the folder below
+# ZolvaCheckoutKit where that is on.
+function(zlv_part folder default description)
+  cmake_path(GET folder FILENAME name)
+  string(TOUPPER ZLV_${name} option)
+  option(${option} "${description}" ${default})
+  if(${option})
+    add_subdirectory(ZolvaCheckoutKit/${folder})
+  endif()
+endfunction()
+
 # zlv_library(NAME COMPONENT SOURCES...): a library ZolvaCheckoutKit::COMPONENT. Its public headers
 # are those that stand in its directory itself, and the ports beside the core.
 function(zlv_library name component)
