@@ -77,6 +77,7 @@ class Parser {
  public:
   Parser() : app_("Checkout with a Zolva wallet, from a terminal.", "zolva") {
     app_.require_subcommand(1);
+    app_.set_version_flag("--version", "zolva " ZLV_VERSION, "Print the version and exit");
     auto& options = invocation_.options;
     app_.add_option("--server", options.server, "Base URL of the merchant server")
         ->type_name("URL");
@@ -106,6 +107,7 @@ class Parser {
     sandbox->add_option("--port", sandbox_.port, "Port; the system chooses without one")
         ->type_name("N");
     add("demo", "Tell the whole journey, step by step, against a sandbox of its own", demo_);
+    addDoctor();
   }
 
   std::variant<Invocation, Usage> parse(std::vector<std::string> arguments) {
@@ -127,6 +129,8 @@ class Parser {
     } catch (const CLI::CallForHelp&) {
       const auto selected = app_.get_subcommands();
       return Usage{selected.empty() ? app_.help() : selected.front()->help(), false};
+    } catch (const CLI::CallForVersion& version) {
+      return Usage{version.what(), false};
     } catch (const CLI::ParseError& error) {
       return Usage{"zolva: " + std::string(error.what()) + "\nSee zolva --help."};
     }
@@ -177,6 +181,31 @@ class Parser {
     charge->add_option("--payment-type", charge_.paymentType)->default_val(defaultPaymentType);
   }
 
+  void addDoctor() {
+    auto* doctor = add("doctor", "Check that a merchant server keeps to the contract", doctor_);
+    doctor->add_flag("--yes", doctor_.isAgreed,
+                     "Agree beforehand to what changes something: link, charge, unlink");
+    doctor->add_flag("--json", doctor_.isJSON, "Print one JSON document");
+    doctor->add_option("--account-id", doctor_.accountID,
+                       "An activated account to charge; otherwise the one that is linked");
+    doctor->add_option("--payment-option-token", doctor_.paymentOptionToken,
+                       "What to pay with; otherwise the account's first active option");
+    doctor->add_option("--gross-amount", doctor_.grossAmount, "The amount to charge")
+        ->check(CLI::PositiveNumber)
+        ->capture_default_str();
+    doctor->add_option("--currency", doctor_.currency, "ISO 4217 code; otherwise the option's");
+    doctor->add_option("--phone-number", doctor_.phoneNumber, "The wallet user to link")
+        ->capture_default_str();
+    doctor->add_option("--country-code", doctor_.countryCode, "Its country code")
+        ->capture_default_str();
+    doctor->add_option("--payment-type", doctor_.paymentType)->default_val(defaultPaymentType);
+    doctor->add_option("--time-limit", doctor_.timeLimit, "Seconds for each answer")
+        ->check(CLI::Range(0.001, 3600.0))
+        ->capture_default_str();
+    doctor->add_flag("--confirm-pages", doctor_.confirmsPages,
+                     "Press Confirm on the wallet's pages, which works on the sandbox's");
+  }
+
   CLI::App app_;
   Invocation invocation_;
   LinkCommand link_;
@@ -185,6 +214,7 @@ class Parser {
   ChargeCommand charge_;
   SandboxCommand sandbox_;
   DemoCommand demo_;
+  DoctorCommand doctor_;
   std::string amount_;
   std::vector<std::string> items_;
   bool needsServer_ = false;

@@ -43,9 +43,16 @@ struct SandboxCommand {
   std::uint16_t port = 0;
 };
 struct DemoCommand {};
+struct DoctorCommand : ServerCommand {
+  bool isAgreed = false, isJSON = false, confirmsPages = false;
+  double timeLimit = 10;  ///< Seconds, for each answer.
+  std::string accountID, paymentOptionToken, currency;
+  std::string paymentType, phoneNumber = "7700900123", countryCode = "44";
+  double grossAmount = 1;
+};
 
 using Command = std::variant<LinkCommand, EnquireCommand, UnlinkCommand, ChargeCommand,
-                             SandboxCommand, DemoCommand>;
+                             SandboxCommand, DemoCommand, DoctorCommand>;
 
 struct Invocation {
   ConsoleOptions options;

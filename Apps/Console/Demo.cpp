@@ -31,10 +31,11 @@ std::string money(double amount) {
 class Demo {
  public:
   explicit Demo(ConsoleOptions options)
-      : host_(pointAtSandbox(std::move(options)), [this](const ZLVPlatform& platform) {
-          return std::make_shared<DemoUser>(platform, [this](const std::string& step) {
-            terminal_.print("    " + step, Style::Dim);
-          });
+      : host_(pointAtSandbox(std::move(options)), [this](ZLVPlatform& platform) {
+          platform.userInterface =
+              std::make_shared<DemoUser>(platform, [this](const std::string& step) {
+                terminal_.print("    " + step, Style::Dim);
+              });
         }) {
     host_.setTick(spinnerInterval, [this] { terminal_.spin(); });
   }

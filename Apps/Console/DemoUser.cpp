@@ -70,9 +70,13 @@ void DemoUser::confirm(const std::string& url, const std::string& page) {
   request.HTTPBody = "decision=confirm";
   send(std::move(request), [this](const ZLVURLAnswer& answer) {
     // The wallet redirects to the application's own scheme, which no HTTP session can follow.
-    if (!answer.error) return tell_("The wallet did not send the user back");
-    const auto& target = answer.error->userInfo()[NSURLErrorFailingURLStringErrorKey];
-    if (const auto callback = ZLVURL::URLWithString(target.description())) openURL(*callback);
+    if (answer.error) {
+      const auto& target = answer.error->userInfo()[NSURLErrorFailingURLStringErrorKey];
+      if (const auto callback = ZLVURL::URLWithString(target.description())) openURL(*callback);
+    }
+    if (root_->presentedViewController() == nullptr) return;
+    tell_("The wallet did not send the user back, who closes the page");
+    root_->dismissViewControllerAnimated(true);
   });
 }
 

@@ -21,14 +21,6 @@ struct StandardErrorLog : ZLVSystemLog {
   }
 };
 
-bool isThisMachine(const std::string& host) {
-  if (strcasecmp(host.c_str(), "localhost") == 0) return true;
-  in_addr address4{};
-  if (inet_aton(host.c_str(), &address4) != 0) return ntohl(address4.s_addr) >> 24 == 127;
-  in6_addr address6{};
-  return inet_pton(AF_INET6, host.c_str(), &address6) == 1 && IN6_IS_ADDR_LOOPBACK(&address6);
-}
-
 /// Where usage events go: what is tried out with a server on this machine stays with that server.
 std::optional<std::string> analyticsRoot(const ConsoleOptions& options) {
   if (options.analyticsRoot) return options.analyticsRoot;
@@ -40,7 +32,15 @@ std::optional<std::string> analyticsRoot(const ConsoleOptions& options) {
 
 }  // namespace
 
-Host::Host(const ConsoleOptions& options, const MakeUserInterface& makeUserInterface)
+bool isThisMachine(const std::string& host) {
+  if (strcasecmp(host.c_str(), "localhost") == 0) return true;
+  in_addr address4{};
+  if (inet_aton(host.c_str(), &address4) != 0) return ntohl(address4.s_addr) >> 24 == 127;
+  in6_addr address6{};
+  return inet_pton(AF_INET6, host.c_str(), &address6) == 1 && IN6_IS_ADDR_LOOPBACK(&address6);
+}
+
+Host::Host(const ConsoleOptions& options, const Adapt& adapt)
     : console_(std::make_shared<ZLVConsoleUserInterface>(queue_, options.openWith)),
       userInterface_(console_) {
   auto platform =
@@ -51,8 +51,9 @@ Host::Host(const ConsoleOptions& options, const MakeUserInterface& makeUserInter
                                              .CAFile = options.CAFile,
                                              .analyticsRootURL = analyticsRoot(options)});
   platform.systemLog = std::make_shared<StandardErrorLog>();
-  if (makeUserInterface) userInterface_ = makeUserInterface(platform);
   platform.userInterface = userInterface_;
+  if (adapt) adapt(platform);
+  userInterface_ = platform.userInterface;
   ZLVPlatform::install(std::move(platform));
   ZLVClient::initWithMerchantServerURL(options.server, options.merchantId, options.callbackURL,
                                        options.isLoggingEnabled);

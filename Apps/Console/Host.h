@@ -20,14 +20,17 @@ struct Outcome {
   std::optional<ZLVError> error;
 };
 
+/// Whether a URL's host is this machine's own.
+bool isThisMachine(const std::string& host);
+
 /// The console application as a host of the library: it installs the Linux platform, configures
 /// the library and runs the main loop. One for the whole process.
 class Host {
  public:
-  /// Puts another user interface in the place of the console's.
-  using MakeUserInterface = std::function<std::shared_ptr<ZLVUserInterface>(const ZLVPlatform&)>;
+  /// Puts other parts in the place of the console's.
+  using Adapt = std::function<void(ZLVPlatform& platform)>;
 
-  explicit Host(const ConsoleOptions& options, const MakeUserInterface& makeUserInterface = {});
+  explicit Host(const ConsoleOptions& options, const Adapt& adapt = {});
 
   /// What the operations present their pages over.
   [[nodiscard]] std::shared_ptr<ZLVViewController> viewController() const {
@@ -35,13 +38,22 @@ class Host {
   }
 
   /// Starts an operation with `start(completion)` and runs the main loop until it has answered.
+  /// Throws what the library found wrong with the answer's structure, once it has answered.
   template <class Record, class Start>
   Outcome<Record> wait(Start start) {
     std::optional<Outcome<Record>> outcome;
     start(ZLVCompletionHandler<Record>([&outcome](auto record, auto error) {
       outcome.emplace(Outcome<Record>{std::move(record), std::move(error)});
     }));
-    while (!outcome) runOnce();
+    std::optional<ZLVProgrammingFault> misfit;
+    while (!outcome) {
+      try {
+        runOnce();
+      } catch (const ZLVProgrammingFault& fault) {
+        misfit = fault;
+      }
+    }
+    if (misfit) throw ZLVProgrammingFault(*misfit);
     return *std::move(outcome);
   }
 

@@ -6,6 +6,7 @@
 
 #include "Apps/Console/Arguments.h"
 #include "Apps/Console/Demo.h"
+#include "Apps/Console/Doctor.h"
 #include "Apps/Console/Host.h"
 #include "Apps/Console/Operations.h"
 #include "Apps/Console/SandboxServer.h"
@@ -22,6 +23,8 @@ int run(const Invocation& invocation) {
           return runSandbox(command.port);
         } else if constexpr (std::is_same_v<Kind, DemoCommand>) {
           return runDemo(invocation.options);
+        } else if constexpr (std::is_same_v<Kind, DoctorCommand>) {
+          return runDoctor(invocation.options, command);
         } else {
           Host host(invocation.options);
           const int code = runOperation(host, command);
