@@ -14,6 +14,7 @@
 namespace {
 
 constexpr const char* defaultPaymentType = "zolva";
+constexpr const char* paymentTypeHelp = "The server's name for the way to pay";
 
 /// A JSON number: an integer stays one.
 std::optional<ZLVValue> parsedNumber(std::string_view text) {
@@ -94,7 +95,7 @@ class Parser {
         ->type_name("URL");
     app_.add_flag("--allow-cleartext", options.allowsCleartext, "Allow http to other machines");
     app_.add_option("--ca-file", options.CAFile, "Certificate authorities to trust as well (PEM)")
-        ->type_name("F")
+        ->type_name("FILE")
         ->check(CLI::ExistingFile);
     app_.add_option("--open-with", options.openWith, "Program to open pages with")
         ->type_name("CMD");
@@ -108,6 +109,12 @@ class Parser {
         ->type_name("N");
     add("demo", "Tell the whole journey, step by step, against a sandbox of its own", demo_);
     addDoctor();
+  }
+
+  [[nodiscard]] std::vector<CommandDescription> describe() const {
+    std::vector<CommandDescription> commands{description(app_)};
+    for (const auto* command : app_.get_subcommands({})) commands.push_back(description(*command));
+    return commands;
   }
 
   std::variant<Invocation, Usage> parse(std::vector<std::string> arguments) {
@@ -139,6 +146,19 @@ class Parser {
   }
 
  private:
+  static CommandDescription description(const CLI::App& app) {
+    CommandDescription command{app.get_name(), app.get_description(), {}};
+    for (const auto* option : app.get_options()) {
+      const bool isPositional = option->get_positional();
+      const bool hasValue = !isPositional && option->get_type_size() != 0;
+      const auto type = option->get_type_name();  // and behind a colon what is checked
+      command.options.push_back(
+          {isPositional ? option->get_name(true) : "--" + option->get_lnames().front(),
+           hasValue ? type.substr(0, type.find(':')) : "", option->get_description(),
+           option->get_required()});
+    }
+    return command;
+  }
   /// A subcommand that, when it is chosen, makes `command` the one to run.
   template <class Kind>
   CLI::App* add(const std::string& name, const std::string& description, Kind& command) {
@@ -158,7 +178,8 @@ class Parser {
     auto* link = add("link", "Link a wallet account", link_);
     require(link, "--phone-number", link_.phoneNumber, "The wallet user's number");
     require(link, "--country-code", link_.countryCode, "Its country code, without a plus sign");
-    link->add_option("--payment-type", link_.paymentType)->default_val(defaultPaymentType);
+    link->add_option("--payment-type", link_.paymentType, paymentTypeHelp)
+        ->default_val(defaultPaymentType);
   }
   template <class Kind>
   void addAccount(const char* name, const char* description, Kind& command) {
@@ -178,7 +199,8 @@ class Parser {
     charge->add_option("--item", items_, "id=…,name=…,price=…,quantity=…,category=… (repeatable)")
         ->expected(1)
         ->take_all();
-    charge->add_option("--payment-type", charge_.paymentType)->default_val(defaultPaymentType);
+    charge->add_option("--payment-type", charge_.paymentType, paymentTypeHelp)
+        ->default_val(defaultPaymentType);
   }
 
   void addDoctor() {
@@ -198,7 +220,8 @@ class Parser {
         ->capture_default_str();
     doctor->add_option("--country-code", doctor_.countryCode, "Its country code")
         ->capture_default_str();
-    doctor->add_option("--payment-type", doctor_.paymentType)->default_val(defaultPaymentType);
+    doctor->add_option("--payment-type", doctor_.paymentType, paymentTypeHelp)
+        ->default_val(defaultPaymentType);
     doctor->add_option("--time-limit", doctor_.timeLimit, "Seconds for each answer")
         ->check(CLI::Range(0.001, 3600.0))
         ->capture_default_str();
@@ -222,6 +245,8 @@ class Parser {
 };
 
 }  // namespace
+
+std::vector<CommandDescription> describeArguments() { return Parser().describe(); }
 
 std::variant<Invocation, Usage> parseArguments(std::vector<std::string> arguments) {
   return Parser().parse(std::move(arguments));

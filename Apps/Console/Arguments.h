@@ -65,5 +65,20 @@ struct Usage {
   bool isError = true;
 };
 
+/// What the command line takes.
+struct OptionDescription {
+  std::string name;   ///< "--server", or "ACCOUNT_ID" for what has no option before it.
+  std::string value;  ///< What follows it; empty for a flag.
+  std::string description;
+  bool isRequired = false;
+};
+struct CommandDescription {
+  std::string name, description;
+  std::vector<OptionDescription> options;
+};
+
+/// The program itself, then its commands.
+std::vector<CommandDescription> describeArguments();
+
 /// Reads a command line, the program's name left out.
 std::variant<Invocation, Usage> parseArguments(std::vector<std::string> arguments);
