@@ -20,6 +20,14 @@ std::size_t keep(const char* bytes, std::size_t /*one*/, std::size_t size, void*
   return size;
 }
 
+/// libcurl takes a header that breaks off between two lines for a whole one.
+std::size_t noteEnd(const char* bytes, std::size_t /*one*/, std::size_t size, void* isWhole) {
+  const std::string_view line(bytes, size);
+  auto& whole = *static_cast<bool*>(isWhole);
+  whole = (whole && !line.starts_with("HTTP/")) || line == "\r\n" || line == "\n";
+  return size;
+}
+
 bool saysClose(CURL* handle) {
   long version = 0;
   curl_easy_getinfo(handle, CURLINFO_HTTP_VERSION, &version);
@@ -67,6 +75,7 @@ ZLVURLAnswer DoctorSession::perform(const ZLVURLRequest& request) {
   CURL* handle = handle_.get();
   const bool staysOpen = view_->exchange.contentType && !view_->exchange.isLast;
   Exchange seen;
+  bool isWhole = false;
   const bool isGet = request.HTTPMethod == "GET";
   char message[CURL_ERROR_SIZE] = "";
   curl_easy_reset(handle);  // its connections stay
@@ -77,6 +86,8 @@ ZLVURLAnswer DoctorSession::perform(const ZLVURLRequest& request) {
   curl_easy_setopt(handle, CURLOPT_TIMEOUT_MS, static_cast<long>(view_->limit.count()));
   curl_easy_setopt(handle, CURLOPT_NOSIGNAL, 1L);
   curl_easy_setopt(handle, CURLOPT_ERRORBUFFER, message);
+  curl_easy_setopt(handle, CURLOPT_HEADERFUNCTION, &noteEnd);
+  curl_easy_setopt(handle, CURLOPT_HEADERDATA, &isWhole);
   curl_easy_setopt(handle, CURLOPT_WRITEFUNCTION, &keep);
   curl_easy_setopt(handle, CURLOPT_WRITEDATA, &seen.body);
   if (isThisMachine(request.URL->host())) curl_easy_setopt(handle, CURLOPT_PROXY, "");
@@ -102,8 +113,10 @@ ZLVURLAnswer DoctorSession::perform(const ZLVURLRequest& request) {
   curl_slist_free_all(headers);
 
   ZLVURLAnswer answer;
-  if (result != CURLE_OK) {
-    seen.fault = *message != 0 ? message : curl_easy_strerror(result);
+  if (result != CURLE_OK || !isWhole) {
+    seen.fault = *message != 0        ? message
+                 : result != CURLE_OK ? curl_easy_strerror(result)
+                                      : "The answer broke off in its header";
     answer.error = noAnswer(seen.fault);
   }
   long status = 0;
