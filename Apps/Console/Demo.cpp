@@ -32,10 +32,9 @@ class Demo {
  public:
   explicit Demo(ConsoleOptions options)
       : host_(pointAtSandbox(std::move(options)), [this](ZLVPlatform& platform) {
-          platform.userInterface =
-              std::make_shared<DemoUser>(platform, [this](const std::string& step) {
-                terminal_.print("    " + step, Style::Dim);
-              });
+          platform.userInterface = std::make_shared<DemoUser>(
+              platform,
+              [this](const std::string& step) { terminal_.print("    " + step, Style::Dim); });
         }) {
     host_.setTick(spinnerInterval, [this] { terminal_.spin(); });
   }

@@ -198,7 +198,7 @@ class Doctor {
   }
 
   std::string reasonToSkip(const Check& check);
-  bool asksForConsent() const;
+  [[nodiscard]] bool asksForConsent() const;
   void report(const Check& check, const char* result, const Finding& finding);
   int conclude();
 
@@ -242,6 +242,7 @@ int Doctor::run() {
       report(check, "skipped", {.came = why});
       continue;
     }
+    view_->exchange = {};
     const auto judgement = (this->*check.make)();
     json::value answer;
     auto finding = check.expectation.examine(view_->exchange, judgement, answer);

@@ -76,6 +76,88 @@ bool isSafePage(const std::string& text) {
          (url->scheme() == "https" || (url->scheme() == "http" && isThisMachine(url->host())));
 }
 
+/// What the aspects look at.
+struct Case {
+  const Expectation& expected;
+  const Exchange& exchange;
+  const Judgement& made;
+  json::value& answer;
+
+  [[nodiscard]] const json::value* member(std::string_view name) const {
+    return answer.get_object().if_contains(name);
+  }
+};
+
+Finding answered(const Case& seen) {
+  const auto& [status, contentType, body, fault, wasDropped] = seen.exchange;
+  if (fault.empty() && status != 0) return {};
+  return {"answer", "an answer in time", fault.empty() ? seen.made.text : fault};
+}
+
+Finding keptOpen(const Case& seen) {
+  if (!seen.expected.staysOpen || !seen.exchange.wasDropped) return {};
+  return {"connection", "the connection to stay open, or \"Connection: close\"",
+          "its end, unannounced"};
+}
+
+Finding hasStatus(const Case& seen) {
+  const int status = seen.exchange.status;
+  if (status >= seen.expected.lowest && status <= seen.expected.highest) return {};
+  return {"status", std::string(seen.expected.statuses), std::to_string(status)};
+}
+
+Finding hasType(const Case& seen) {
+  const auto& type = seen.exchange.contentType;
+  if (!type || isJSON(*type)) return {};
+  return {"Content-Type", std::string(jsonType), type->empty() ? "nothing" : *type};
+}
+
+Finding isObject(const Case& seen) {
+  boost::system::error_code error;
+  const auto& body = seen.exchange.body;
+  seen.answer = json::parse(body, error);
+  if (!error && seen.answer.is_object()) return {};
+  return {"body", "a JSON object", body.empty() ? "nothing" : body};
+}
+
+Finding hasStatusCode(const Case& seen) {
+  const auto* code = seen.member("status_code");
+  if (code != nullptr && integer(*code) == seen.exchange.status) return {};
+  return {"/status_code", std::to_string(seen.exchange.status) + ", as the HTTP status",
+          shown(code)};
+}
+
+Finding isJudged(const Case& seen) {
+  if (seen.made.kind == seen.expected.judgement) return {};
+  return {"library", seen.expected.judgement == Judgement::Record ? "a record" : "a refusal",
+          seen.made.text};
+}
+
+Finding saysWhy(const Case& seen) {
+  if (seen.expected.judgement != Judgement::Refusal) return {};
+  const json::value* message = nullptr;
+  for (const auto name : messages) {
+    if (message == nullptr) message = seen.member(name);
+  }
+  const bool isList = message != nullptr && message->is_array();
+  if (isList || fits(message, Member::Text)) return {};
+  return {"/status_message", "a text for the user", shown(message)};
+}
+
+Finding hasPage(const Case& seen) {
+  const auto& action = seen.expected.action;
+  if (action.empty() || seen.exchange.status != 201) return {};
+  const auto page = pageOf(seen.answer.get_object(), action);
+  if (isSafePage(page)) return {};
+  return {"/actions", std::string(action) + " with an https URL", page.empty() ? "none" : page};
+}
+
+Finding hasMembers(const Case& seen) { return missingMember(seen.answer, seen.expected.members); }
+
+/// Each may rely on those before it.
+constexpr std::array aspects{answered,      keptOpen, hasStatus, hasType, isObject,
+                             hasStatusCode, isJudged, saysWhy,   hasPage, hasMembers};
+
 }  // namespace
 
 Finding missingMember(const json::value& value, std::span<const Member> members,
@@ -93,42 +175,9 @@ Finding missingMember(const json::value& value, std::span<const Member> members,
 
 Finding Expectation::examine(const Exchange& exchange, const Judgement& made,
                              json::value& answer) const {
-  const auto& [status, contentType, body, fault, wasDropped, isLast] = exchange;
-  if (!fault.empty()) return {"answer", "an answer in time", fault};
-  if (staysOpen && wasDropped) {
-    return {"connection", "the connection to stay open, or \"Connection: close\"",
-            "its end, unannounced"};
+  const Case seen{*this, exchange, made, answer};
+  for (const auto aspect : aspects) {
+    if (auto finding = aspect(seen); !finding.aspect.empty()) return finding;
   }
-  if (status < lowest || status > highest) {
-    return {"status", std::string(statuses), std::to_string(status)};
-  }
-  if (contentType && !isJSON(*contentType)) {
-    return {"Content-Type", std::string(jsonType), contentType->empty() ? "nothing" : *contentType};
-  }
-  boost::system::error_code error;
-  answer = json::parse(body, error);
-  const auto* object = answer.if_object();
-  if (error || object == nullptr) return {"body", "a JSON object", body.empty() ? "nothing" : body};
-  const auto* code = object->if_contains("status_code");
-  if (code == nullptr || integer(*code) != status) {
-    return {"/status_code", "\"" + std::to_string(status) + "\", the HTTP status", shown(code)};
-  }
-  if (made.kind != judgement) {
-    return {"library", judgement == Judgement::Record ? "a record" : "a refusal", made.text};
-  }
-  if (judgement == Judgement::Refusal) {
-    const auto* const key =
-        std::ranges::find_if(messages, [&](const auto name) { return object->contains(name); });
-    if (key != messages.end() && fits(object->if_contains(*key), Member::Text)) return {};
-    return {"/status_message", "a text for the user",
-            key == messages.end() ? "nothing" : shown(object->if_contains(*key))};
-  }
-  if (status == 201 && !action.empty()) {
-    const auto page = pageOf(*object, action);
-    if (!isSafePage(page)) {
-      return {"/actions", "\"" + std::string(action) + "\" with an https URL",
-              page.empty() ? "none" : page};
-    }
-  }
-  return missingMember(answer, members);
+  return {};
 }

@@ -39,7 +39,7 @@ struct Expectation {
   bool staysOpen = false;
 
   /// The first thing that is wrong. `answer` becomes the JSON of the answer.
-  [[nodiscard]] Finding examine(const Exchange& exchange, const Judgement& judgement,
+  [[nodiscard]] Finding examine(const Exchange& exchange, const Judgement& made,
                                 boost::json::value& answer) const;
 };
 

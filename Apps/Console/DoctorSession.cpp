@@ -73,7 +73,6 @@ void DoctorSession::dataTask(ZLVURLRequest request, CompletionHandler handler) {
 
 ZLVURLAnswer DoctorSession::perform(const ZLVURLRequest& request) {
   CURL* handle = handle_.get();
-  const bool staysOpen = view_->exchange.contentType && !view_->exchange.isLast;
   Exchange seen;
   bool isWhole = false;
   const bool isGet = request.HTTPMethod == "GET";
@@ -97,7 +96,8 @@ ZLVURLAnswer DoctorSession::perform(const ZLVURLRequest& request) {
   }
   curl_slist* headers = nullptr;
   for (const auto& [name, value] : request.allHTTPHeaderFields) {
-    headers = curl_slist_append(headers, (name + ": " + value).c_str());
+    const std::string line = name + ": " + value;
+    headers = curl_slist_append(headers, line.c_str());
   }
   headers = curl_slist_append(headers, "Expect:");
   curl_easy_setopt(handle, CURLOPT_HTTPHEADER, headers);
@@ -127,8 +127,8 @@ ZLVURLAnswer DoctorSession::perform(const ZLVURLRequest& request) {
   curl_easy_getinfo(handle, CURLINFO_CONTENT_TYPE, &contentType);
   seen.status = static_cast<int>(status);
   seen.contentType = contentType != nullptr ? contentType : "";
-  seen.wasDropped = isGet && staysOpen && connections > 0;
-  seen.isLast = saysClose(handle);
+  seen.wasDropped = isGet && staysOpen_ && connections > 0;
+  staysOpen_ = !answer.error && !saysClose(handle);
   if (!answer.error) answer = {.data = seen.body, .statusCode = seen.status, .error = {}};
   view_->exchange = std::move(seen);
   return answer;

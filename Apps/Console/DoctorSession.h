@@ -10,16 +10,15 @@
 
 /// What a call looked like on its way, which the library does not tell.
 struct Exchange {
+  /// 0 when there is no answer.
   int status = 0;
   /// Absent when the library's own session made the call.
   std::optional<std::string> contentType{};
   std::string body{};
-  /// Why there is no answer; empty when there is one.
+  /// Why there is no answer; empty when there is one, or when nothing was sent.
   std::string fault{};
   /// The server closed the connection of the call before, although it did not say it would.
   bool wasDropped = false;
-  /// The server says that it closes this one's.
-  bool isLast = false;
 };
 
 /// What the doctor and its session know of each other; the session writes before it answers.
@@ -47,5 +46,6 @@ class DoctorSession final : public ZLVURLSession {
   std::unique_ptr<ZLVURLSession> library_;
   std::shared_ptr<DoctorView> view_;
   std::unique_ptr<void, void (*)(void*)> handle_;
-  std::jthread call_;  // one at a time; ends before the rest does
+  bool staysOpen_ = false;  // as far as the last answer says
+  std::jthread call_;       // one at a time; ends before the rest does
 };

@@ -113,14 +113,15 @@ std::string quoted(std::string_view text) {
 
 void printZshOptions(const CommandDescription& command) {
   for (const auto& [name, value, description, isRequired] : command.options) {
-    const auto action = value == fileValue ? "_files" : " ";
     const auto text = escaped(description, "[]:\\", "\\");
-    if (!name.starts_with("--")) {
-      print(" ", quoted(":" + text + ": "));
-    } else {
-      print(" ",
-            quoted(name + "[" + text + "]" + (value.empty() ? "" : ":" + value + ":" + action)));
+    auto argument = ":" + text + ": ";
+    if (name.starts_with("--")) {
+      argument = name;
+      argument.append("[").append(text).append("]");
+      if (!value.empty()) argument.append(":").append(value).append(":");
+      if (!value.empty()) argument += value == fileValue ? "_files" : " ";
     }
+    print(" ", quoted(argument));
   }
 }
 
