@@ -113,7 +113,7 @@ class Doctor {
       const auto error = host_.wait<Record>(std::move(start)).error;
       if (!error) return {Judgement::Record, "a record"};
       const bool isRefusal = error->domain() == ZLVErrorDomain;
-      return {isRefusal ? Judgement::Refusal : Judgement::Failure, error->debugDescription()};
+      return {isRefusal ? Judgement::Refusal : Judgement::Failure, error->localizedDescription()};
     } catch (const ZLVProgrammingFault& fault) {
       return {Judgement::Failure, fault.what()};
     }

@@ -156,7 +156,7 @@ Finding hasMembers(const Case& seen) { return missingMember(seen.answer, seen.ex
 
 /// Each may rely on those before it.
 constexpr std::array aspects{answered,      keptOpen, hasStatus, hasType, isObject,
-                             hasStatusCode, isJudged, saysWhy,   hasPage, hasMembers};
+                             hasStatusCode, hasPage,  isJudged,  saysWhy, hasMembers};
 
 }  // namespace
 

@@ -96,7 +96,8 @@ ZLVURLAnswer DoctorSession::perform(const ZLVURLRequest& request) {
   }
   curl_slist* headers = nullptr;
   for (const auto& [name, value] : request.allHTTPHeaderFields) {
-    const std::string line = name + ": " + value;
+    auto line = name;
+    line.append(": ").append(value);
     headers = curl_slist_append(headers, line.c_str());
   }
   headers = curl_slist_append(headers, "Expect:");
