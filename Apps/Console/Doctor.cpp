@@ -321,7 +321,7 @@ void Doctor::report(const Check& check, const char* result, const Finding& findi
   char start[96];
   std::snprintf(start, sizeof start, "%-8s %-18s %s", result, check.name.data(), check.call.data());
   const auto text = isFailure      ? aspect + ": expected " + expected + ", came " + came
-                    : came.empty() ? std::string(check.expectation.statuses)
+                    : came.empty() ? std::to_string(view_->exchange.status)
                                    : came;
   terminal_.print(start + (": " + printable(text)), isFailure      ? Terminal::Style::Bad
                                                     : came.empty() ? Terminal::Style::Good
