@@ -244,6 +244,7 @@ int Doctor::run() {
     }
     view_->exchange = {};
     const auto judgement = (this->*check.make)();
+    if (view_->call.joinable()) view_->call.join();
     json::value answer;
     auto finding = check.expectation.examine(view_->exchange, judgement, answer);
     if (finding.aspect.empty() && check.inspect != nullptr) {

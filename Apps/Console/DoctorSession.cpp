@@ -62,7 +62,7 @@ void DoctorSession::dataTask(ZLVURLRequest request, CompletionHandler handler) {
         });
   }
   try {
-    call_ =
+    view_->call =
         std::jthread([this, request = std::move(request), handler = std::move(handler)]() mutable {
           std::move(handler)(perform(request));
         });

@@ -29,6 +29,8 @@ struct DoctorView {
   /// Whether the next call goes out as it does in every application.
   bool isThroughLibrary = false;
   Exchange exchange{};
+  /// Makes the call; the session, which the library keeps until the process ends, joins nothing.
+  std::jthread call{};
 };
 
 /// A session that shows what comes back as it came: no redirect is followed, and nothing is sent
@@ -47,5 +49,4 @@ class DoctorSession final : public ZLVURLSession {
   std::shared_ptr<DoctorView> view_;
   std::unique_ptr<void, void (*)(void*)> handle_;
   bool staysOpen_ = false;  // as far as the last answer says
-  std::jthread call_;       // one at a time; ends before the rest does
 };
