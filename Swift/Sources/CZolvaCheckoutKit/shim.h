@@ -1,0 +1,1 @@
+#include <ZolvaCheckoutKit/C/zolvacheckoutkit.h>
