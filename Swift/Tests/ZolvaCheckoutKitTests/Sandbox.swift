@@ -6,28 +6,15 @@ import FoundationNetworking
 #endif
 
 /// The merchant's server, the wallet and the analytics collector, in a process of their own.
-final class Sandbox: Sendable {
+@MainActor final class Sandbox {
   let url: String
-  private let process = Process()
+  private let child: Child
 
   init() throws {
-    let path = ProcessInfo.processInfo.environment["ZLV_CONSOLE"] ?? "build/default/Apps/Console/zolva"
-    // Ends with this process, however that does.
-    process.executableURL = URL(fileURLWithPath: "/usr/bin/setpriv")
-    process.arguments = ["--pdeathsig", "TERM", path, "sandbox"]
-    let output = Pipe()
-    process.standardOutput = output
-    try process.run()
-    // Its first line names its address; the rest is read and dropped, or the sandbox would stall.
-    var line = ""
-    while !line.contains("\n") {
-      line += String(decoding: output.fileHandleForReading.availableData, as: UTF8.self)
-    }
-    output.fileHandleForReading.readabilityHandler = { _ = $0.availableData }
-    url = String(line.split(separator: " ")[2])
+    child = try Child("ZLV_CONSOLE", ["sandbox"])
+    url = String(child.line()!.split(separator: " ")[2])
+    child.ignoreOutput()
   }
-
-  deinit { process.terminate() }
 }
 
 /// Whoever sits before the screen: presses the same on every page.

@@ -106,7 +106,7 @@ enum Core {
   @MainActor private static func holding(
     _ presenter: Presenter?, _ answer: @escaping Answer
   ) -> Answer {
-    { [weak presenter] result in
+    { result in
       guard let page = presenter?.page else { return answer(result) }
       page.afterEnd { answer(result) }
     }

@@ -4,28 +4,122 @@ import Foundation
 import FoundationNetworking
 #endif
 
-/// The session by Foundation's `URLSession` in its default configuration.
-struct FoundationSession: ZLVURLSession {
-  private let session = URLSession(configuration: .default)
+/// The session by Foundation's `URLSession` in its default configuration, with these rules of the
+/// library's on top: an answer has a limit, and a redirect leads to http or https only, never from
+/// https to http, and takes no header of the request to another origin.
+final class FoundationSession: ZLVURLSession {
+  static let maximumAnswerSize = 8 * 1024 * 1024
+
+  private let exchanges = Exchanges()
+  private let session: URLSession
+
+  init() {
+    session = URLSession(configuration: .default, delegate: exchanges, delegateQueue: nil)
+  }
+
+  deinit { session.finishTasksAndInvalidate() }
 
   func dataTask(
     with request: URLRequest,
     completion: @escaping @Sendable (Result<(body: Data, statusCode: Int), any Error>) -> Void
   ) {
-    session.dataTask(with: request) { body, response, error in
-      if let error { return completion(.failure(error)) }
-      completion(.success((body ?? Data(), (response as? HTTPURLResponse)?.statusCode ?? 0)))
-    }.resume()
+    let task = session.dataTask(with: request)
+    exchanges.add(task, completion)
+    task.resume()
+  }
+}
+
+/// The session's requests that are under way.
+private final class Exchanges: NSObject, URLSessionDataDelegate {
+  typealias Completion = @Sendable (Result<(body: Data, statusCode: Int), any Error>) -> Void
+
+  private struct Exchange {
+    let completion: Completion
+    var body = Data()
+    /// Why this side has ended it.
+    var failure: URLError?
+    var isRedirected = false
+  }
+
+  private let open = Locked<[Int: Exchange]>([:])
+
+  func add(_ task: URLSessionTask, _ completion: @escaping Completion) {
+    open.withLock { $0[task.taskIdentifier] = Exchange(completion: completion) }
+  }
+
+  func urlSession(_: URLSession, dataTask task: URLSessionDataTask, didReceive data: Data) {
+    let isTooLarge = open.withLock { open in
+      open[task.taskIdentifier]?.body.append(data)
+      return (open[task.taskIdentifier]?.body.count ?? 0) > FoundationSession.maximumAnswerSize
+    }
+    if isTooLarge { end(task, .dataLengthExceedsMaximum) }
+  }
+
+  func urlSession(
+    _: URLSession, task: URLSessionTask, willPerformHTTPRedirection response: HTTPURLResponse,
+    newRequest: URLRequest, completionHandler: @escaping @Sendable (URLRequest?) -> Void
+  ) {
+    open.withLock { $0[task.taskIdentifier]?.isRedirected = true }
+    guard let from = response.url, let to = newRequest.url else { return completionHandler(nil) }
+    guard ["http", "https"].contains(to.scheme?.lowercased()) else {
+      end(task, .unsupportedURL)
+      return completionHandler(nil)
+    }
+    if from.scheme?.lowercased() == "https", to.scheme?.lowercased() == "http" {
+      end(task, .appTransportSecurityRequiresSecureConnection)
+      return completionHandler(nil)
+    }
+    var request = newRequest
+    if from.origin != to.origin {
+      for name in (request.allHTTPHeaderFields ?? [:]).keys where name != "Content-Type" {
+        request.setValue(nil, forHTTPHeaderField: name)
+      }
+    }
+    completionHandler(request)
+  }
+
+  func urlSession(_: URLSession, task: URLSessionTask, didCompleteWithError error: (any Error)?) {
+    guard let exchange = open.withLock({ $0.removeValue(forKey: task.taskIdentifier) }) else {
+      return
+    }
+    if let error = exchange.failure ?? error {
+      let sent = exchange.isRedirected ? [requestWasSentKey: true] : [:]
+      exchange.completion(.failure((error as NSError).adding(sent)))
+    } else {
+      let statusCode = (task.response as? HTTPURLResponse)?.statusCode ?? 0
+      exchange.completion(.success((exchange.body, statusCode)))
+    }
+  }
+
+  private func end(_ task: URLSessionTask, _ code: URLError.Code) {
+    open.withLock { $0[task.taskIdentifier]?.failure = URLError(code) }
+    task.cancel()
+  }
+}
+
+/// In an error's user info: the request had reached a server before the call failed, whatever the
+/// code says.
+private let requestWasSentKey = "ZLVErrorRequestWasSent"
+
+extension URL {
+  fileprivate var origin: [String] {
+    let port = port ?? (scheme?.lowercased() == "https" ? 443 : 80)
+    return [scheme ?? "", host ?? "", String(port)].map { $0.lowercased() }
   }
 }
 
 extension NSError {
+  fileprivate func adding(_ more: [String: Any]) -> NSError {
+    NSError(domain: domain, code: code, userInfo: userInfo.merging(more) { $1 })
+  }
+
   /// What is text or number in the user info, and the description.
   var jsonUserInfo: ZLVJSON {
     var fields = userInfo.compactMapValues { value -> ZLVJSON? in
       switch value {
       case let text as String: .text(text)
       case let number as Int: ZLVJSON(number)
+      case let bool as Bool: .bool(bool)
       default: nil
       }
     }

@@ -63,9 +63,20 @@ enum Fact: Int32, CaseIterable {
   case threads
 }
 
+/// Whether this is the main thread, or the thread that runs the main queue where there is no such.
+var isOnMain: Bool {
+  Thread.isMainThread || DispatchQueue.getSpecific(key: mainQueueKey) != nil
+}
+
+private let mainQueueKey = {
+  let key = DispatchSpecificKey<Void>()
+  DispatchQueue.main.setSpecific(key: key, value: ())
+  return key
+}()
+
 /// Runs `action` on the main thread: at once where this is it, else later.
 func onMain(_ action: @escaping @MainActor @Sendable () -> Void) {
-  if Thread.isMainThread {
+  if isOnMain {
     MainActor.assumeIsolated(action)
   } else {
     DispatchQueue.main.async(execute: action)

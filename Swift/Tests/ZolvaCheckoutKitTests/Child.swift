@@ -1,0 +1,38 @@
+import Foundation
+
+/// A program of the build's, which ends with this process, however that does.
+final class Child {
+  private let process = Process()
+  private let (input, output) = (Pipe(), Pipe())
+  private var read = Data()
+
+  /// `variable` of the environment has the program's path.
+  init(_ variable: String, _ arguments: [String]) throws {
+    let path = ProcessInfo.processInfo.environment[variable]!
+    process.executableURL = URL(fileURLWithPath: "/usr/bin/setpriv")
+    process.arguments = ["--pdeathsig", "TERM", path] + arguments
+    process.standardInput = input
+    process.standardOutput = output
+    try process.run()
+  }
+
+  deinit { process.terminate() }
+
+  /// Waits for a line of its output; nil at the end.
+  func line() -> String? {
+    while true {
+      if let end = read.firstIndex(of: UInt8(ascii: "\n")) {
+        defer { read = Data(read[(end + 1)...]) }
+        return String(decoding: read[..<end], as: UTF8.self)
+      }
+      let more = output.fileHandleForReading.availableData
+      if more.isEmpty { return nil }
+      read += more
+    }
+  }
+
+  func tell(_ line: String) { input.fileHandleForWriting.write(Data((line + "\n").utf8)) }
+
+  /// Drops what else it prints, or it would stall.
+  func ignoreOutput() { output.fileHandleForReading.readabilityHandler = { _ = $0.availableData } }
+}
