@@ -38,6 +38,19 @@ public final class ZLVError: NSError, @unchecked Sendable {
       ]))
   }
 
+  /// What the library answered, as Swift has it.
+  static func result(record: String?, error: String?) -> Result<ZLVJSON, ZLVError> {
+    do {
+      if let record { return .success(try ZLVJSON(jsonText: record)) }
+      return .failure(ZLVError(document: try ZLVJSON(jsonText: error ?? "")))
+    } catch {
+      return .failure(
+        ZLVError(
+          domain: NSCocoaErrorDomain, code: 3840,
+          description: "The answer holds a number that is too large."))
+    }
+  }
+
   @available(*, unavailable)
   required init?(coder: NSCoder) { nil }
 

@@ -129,35 +129,34 @@ extension ZLVJSON: CustomStringConvertible {
   }
 }
 
-extension ZLVJSON: Decodable {
+extension ZLVJSON {
   /// Reads a JSON text.
   init(jsonText: String) throws {
-    self = try JSONDecoder().decode(ZLVJSON.self, from: Data(jsonText.utf8))
+    let options = JSONSerialization.ReadingOptions.fragmentsAllowed
+    self.init(
+      foundation: try JSONSerialization.jsonObject(with: Data(jsonText.utf8), options: options))
   }
 
-  public init(from decoder: any Decoder) throws {
-    let container = try decoder.singleValueContainer()
-    if container.decodeNil() {
-      self = .null
-    } else if let text = try? container.decode(String.self) {
-      self = .text(text)
-    } else if let object = try? container.decode([String: ZLVJSON].self) {
-      self = .object(object)
-    } else if let array = try? container.decode([ZLVJSON].self) {
-      self = .array(array)
-    } else if let bool = try? container.decode(Bool.self) {
-      self = .bool(bool)
-    } else if let integer = try? container.decode(Int64.self) {
-      self.init(integer)
-    } else if let integer = try? container.decode(UInt64.self) {
-      self.init(integer)
-    } else {
-      self.init(try container.decode(Double.self))
+  private init(foundation: Any) {
+    switch foundation {
+    case let text as String: self = .text(text)
+    case let object as [String: Any]: self = .object(object.mapValues(Self.init(foundation:)))
+    case let array as [Any]: self = .array(array.map(Self.init(foundation:)))
+    case let number as NSNumber: self.init(number)
+    default: self = .null
     }
   }
-}
 
-extension ZLVJSON {
+  /// What kind of number one is, only its encoding tells.
+  private init(_ number: NSNumber) {
+    switch String(cString: number.objCType) {
+    case "c", "B": self = .bool(number.boolValue)
+    case "d", "f": self.init(number.doubleValue)
+    case "Q": self.init(number.uint64Value)
+    default: self.init(number.int64Value)
+    }
+  }
+
   /// As Foundation has it: `String`, `NSNumber`, `NSNull`, arrays and dictionaries.
   var foundation: Any {
     switch self {

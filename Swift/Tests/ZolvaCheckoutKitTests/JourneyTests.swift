@@ -20,7 +20,7 @@ import ZolvaCheckoutKit
   init(session: String) throws {
     sandbox = try Sandbox()
     var platform = ZLVPlatform()
-    if session == "libcurl" { platform.urlSession = nil }
+    if session == "Foundation" { platform.urlSession = ZLVFoundationSession() }
     platform.applicationVersion = "2.1"
     platform.analyticsRootURL = URL(string: sandbox.url + "/")
     platform.userInterface = user

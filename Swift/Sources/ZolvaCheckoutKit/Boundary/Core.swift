@@ -1,9 +1,12 @@
 import Foundation
+private import CZolvaCheckoutKit
 
 #if canImport(FoundationNetworking)
 import FoundationNetworking
 #endif
-private import CZolvaCheckoutKit
+#if canImport(Darwin)
+@preconcurrency private import Darwin
+#endif
 
 /// The C library. Pointers live in this file only, and its types are private to it.
 enum Core {
@@ -26,7 +29,7 @@ enum Core {
   ) {
     checkForC(paymentType)
     withView(of: presenter) { view in
-      begin(holding(presenter, answer)) {
+      begin(Presenter.hold(answer, presenter)) {
         zlv_link(paymentType, partnerDetails?.jsonText, view, completion, $0)
       }
     }
@@ -46,7 +49,7 @@ enum Core {
     details: ZLVJSON, presenter: Presenter?, answer: @escaping Answer
   ) {
     withView(of: presenter) { view in
-      begin(holding(presenter, answer)) { zlv_charge(details.jsonText, view, completion, $0) }
+      begin(Presenter.hold(answer, presenter)) { zlv_charge(details.jsonText, view, completion, $0) }
     }
   }
 
@@ -71,22 +74,9 @@ enum Core {
 
   private static let completion: zlv_completion = { context, record, error in
     let waiting = Unmanaged<Waiting>.fromOpaque(context!).takeRetainedValue()
-    let result = result(record: record, error: error)
+    let result = ZLVError.result(
+      record: record.map { String(cString: $0) }, error: error.map { String(cString: $0) })
     onMain { waiting.answer(result) }
-  }
-
-  private static func result(
-    record: UnsafePointer<CChar>?, error: UnsafePointer<CChar>?
-  ) -> Result<ZLVJSON, ZLVError> {
-    do {
-      if let record { return .success(try ZLVJSON(jsonText: String(cString: record))) }
-      return .failure(ZLVError(document: try ZLVJSON(jsonText: String(cString: error!))))
-    } catch {
-      return .failure(
-        ZLVError(
-          domain: NSCocoaErrorDomain, code: CocoaError.propertyListReadCorrupt.rawValue,
-          description: "The answer holds a number that is too large."))
-    }
   }
 
   /// Starts an operation. A mistake in the program ends it; any other failure is its answer.
@@ -100,16 +90,6 @@ enum Core {
     guard result == ZLV_NO_RESOURCES else { return check(result) }
     let error = ZLVError(domain: NSPOSIXErrorDomain, code: Int(ENOMEM), description: lastFault)
     DispatchQueue.main.async { answer(.failure(error)) }
-  }
-
-  /// Lets the answer wait for the page to leave the screen: until then nothing else can be shown.
-  @MainActor private static func holding(
-    _ presenter: Presenter?, _ answer: @escaping Answer
-  ) -> Answer {
-    { result in
-      guard let page = presenter?.page else { return answer(result) }
-      page.afterEnd { answer(result) }
-    }
   }
 
   /// A handle for a view for as long as `body` takes; the call keeps what it needs.
@@ -130,7 +110,6 @@ enum Core {
   }
 
   private static var lastFault: String { String(cString: zlv_last_fault()) }
-
   private static func check(_ result: zlv_result) {
     if result != ZLV_OK { fatalError(lastFault) }
   }
@@ -181,14 +160,10 @@ enum Core {
       let (host, text) = (Core.host(context), String(cString: text!))
       onMain { host.platform.fault(text) }
     }
-    if let root = host.platform.analyticsRootURL?.absoluteString {
-      root.withCString {
-        platform.analytics_root_url = $0
-        check(zlv_install(&platform))
-      }
-    } else {
-      check(zlv_install(&platform))
-    }
+    let root = host.platform.analyticsRootURL.flatMap { strdup($0.absoluteString) }
+    defer { free(root) }
+    platform.analytics_root_url = UnsafePointer(root)
+    check(zlv_install(&platform))
   }
 
   private static func host(_ context: UnsafeMutableRawPointer?) -> Host {
@@ -296,7 +271,30 @@ enum Core {
   }
 }
 
+#if canImport(Darwin)
+
 extension Core {
-  static func machine() -> String { "x86_64" }
-  static func threads() -> [ZLVJSON]? { nil }
+  /// What each thread of this process uses of the processor; null for one that cannot be read.
+  static func threads() -> [ZLVJSON]? {
+    var list: thread_act_array_t?
+    var count: mach_msg_type_number_t = 0
+    guard task_threads(mach_task_self_, &list, &count) == KERN_SUCCESS, let list else { return nil }
+    defer {
+      let size = vm_size_t(count) * vm_size_t(MemoryLayout<thread_act_t>.size)
+      let result = vm_deallocate(mach_task_self_, vm_address_t(UInt(bitPattern: list)), size)
+      precondition(result == KERN_SUCCESS, "kr == KERN_SUCCESS")
+    }
+    return (0..<Int(count)).map { index in
+      // thread_basic_info as numbers: the fifth is cpu_usage, the eighth are the flags.
+      var info = [integer_t](repeating: 0, count: Int(THREAD_INFO_MAX))
+      var size = mach_msg_type_number_t(THREAD_INFO_MAX)
+      let flavor = thread_flavor_t(THREAD_BASIC_INFO)
+      guard thread_info(list[index], flavor, &info, &size) == KERN_SUCCESS else { return .null }
+      return .object([
+        "cpu_usage": ZLVJSON(info[4]), "is_idle": .bool(info[7] & integer_t(TH_FLAGS_IDLE) != 0),
+      ])
+    }
+  }
 }
+
+#endif

@@ -1,5 +1,9 @@
 import Foundation
 
+#if canImport(Darwin)
+private import Darwin
+#endif
+
 /// What Foundation knows of the device and the application, asked afresh each time.
 struct FoundationDevice: Device {
   func fact(_ fact: Fact) -> ZLVJSON? {
@@ -10,13 +14,33 @@ struct FoundationDevice: Device {
       (Bundle.main.infoDictionary?["CFBundleShortVersionString"] as? String).map(ZLVJSON.text)
     case .preferredLocalizations: .array(Bundle.main.preferredLocalizations.map(ZLVJSON.text))
     case .preferredLanguages: .array(Locale.preferredLanguages.map(ZLVJSON.text))
-    case .machine: .text(Core.machine())
+    case .machine: .text(Self.machine)
     case .name: .text(ProcessInfo.processInfo.hostName)
     case .systemVersion: .text(Self.systemVersion)
-    case .threads: Core.threads().map(ZLVJSON.array)
+    case .threads: Self.threads
     case .identifierForVendor, .mainScreenSize: nil
     }
   }
+
+#if canImport(Darwin)
+  /// Empty where the system does not tell.
+  private static var machine: String {
+    var name = [CTL_HW, HW_MACHINE]
+    var buffer = [CChar](repeating: 0, count: 100)
+    var size = buffer.count
+    guard sysctl(&name, 2, &buffer, &size, nil, 0) == 0 else { return "" }
+    return String(decoding: buffer.prefix { $0 != 0 }.map(UInt8.init(bitPattern:)), as: UTF8.self)
+  }
+
+  private static var threads: ZLVJSON? { Core.threads().map(ZLVJSON.array) }
+#else
+#if arch(arm64)
+  private static let machine = "aarch64"
+#else
+  private static let machine = "x86_64"
+#endif
+  private static let threads: ZLVJSON? = nil
+#endif
 
   private static var systemVersion: String {
     let version = ProcessInfo.processInfo.operatingSystemVersion

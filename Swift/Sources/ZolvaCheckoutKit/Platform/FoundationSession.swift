@@ -7,19 +7,19 @@ import FoundationNetworking
 /// The session by Foundation's `URLSession` in its default configuration, with these rules of the
 /// library's on top: an answer has a limit, and a redirect leads to http or https only, never from
 /// https to http, and takes no header of the request to another origin.
-final class FoundationSession: ZLVURLSession {
+public final class ZLVFoundationSession: ZLVURLSession {
   static let maximumAnswerSize = 8 * 1024 * 1024
 
   private let exchanges = Exchanges()
   private let session: URLSession
 
-  init() {
+  public init() {
     session = URLSession(configuration: .default, delegate: exchanges, delegateQueue: nil)
   }
 
   deinit { session.finishTasksAndInvalidate() }
 
-  func dataTask(
+  public func dataTask(
     with request: URLRequest,
     completion: @escaping @Sendable (Result<(body: Data, statusCode: Int), any Error>) -> Void
   ) {
@@ -50,7 +50,7 @@ private final class Exchanges: NSObject, URLSessionDataDelegate {
   func urlSession(_: URLSession, dataTask task: URLSessionDataTask, didReceive data: Data) {
     let isTooLarge = open.withLock { open in
       open[task.taskIdentifier]?.body.append(data)
-      return (open[task.taskIdentifier]?.body.count ?? 0) > FoundationSession.maximumAnswerSize
+      return (open[task.taskIdentifier]?.body.count ?? 0) > ZLVFoundationSession.maximumAnswerSize
     }
     if isTooLarge { end(task, .dataLengthExceedsMaximum) }
   }

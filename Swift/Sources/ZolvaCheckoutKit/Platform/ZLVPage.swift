@@ -37,6 +37,15 @@ public final class ZLVPage: Sendable {
   weak var page: ZLVPage?
 
   init(_ viewController: ZLVViewController) { self.viewController = viewController }
+
+  /// Lets an answer wait until the page has left the screen: nothing else can be shown before, and
+  /// a callback URL is answered while the page is still on its way out.
+  static func hold(_ answer: @escaping Core.Answer, _ presenter: Presenter?) -> Core.Answer {
+    { result in
+      guard let page = presenter?.page else { return answer(result) }
+      page.afterEnd { answer(result) }
+    }
+  }
 }
 
 /// A value that threads share.

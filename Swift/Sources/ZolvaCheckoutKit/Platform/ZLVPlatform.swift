@@ -24,8 +24,9 @@ public struct ZLVPlatform: Sendable {
   public var applicationVersion: String?
   /// Where usage events go, ending in "/"; absent: to the usual service.
   public var analyticsRootURL: URL?
-  /// Sends the requests; nil, on Linux only: the library's own session, by libcurl.
-  public var urlSession: (any ZLVURLSession)? = FoundationSession()
+  /// Sends the requests. Nil, on Linux only, is the library's own session by libcurl: Foundation's
+  /// ends the program there, or never answers, on some of what a server may send.
+  public var urlSession: (any ZLVURLSession)? = standardSession
   /// Shows the wallet's pages.
   public var userInterface: any ZLVUserInterface = standardUserInterface
   /// Writes a line of the diagnostic log. Any thread, several at once.
@@ -59,6 +60,12 @@ public struct ZLVPlatform: Sendable {
     return true
   }
 }
+
+#if canImport(Darwin)
+private let standardSession: (any ZLVURLSession)? = ZLVFoundationSession()
+#else
+private let standardSession: (any ZLVURLSession)? = nil
+#endif
 
 /// Sends HTTP requests.
 public protocol ZLVURLSession: Sendable {

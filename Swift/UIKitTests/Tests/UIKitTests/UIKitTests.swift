@@ -1,3 +1,4 @@
+import Darwin
 import Foundation
 import SafariServices
 import Testing
@@ -128,6 +129,10 @@ import UIKit
     let device = standardDevice
     #expect(device.fact(.mainScreenSize)?["height"]?.double == 844)
     #expect(device.fact(.identifierForVendor)?.text?.count == 36)
+    #expect(device.fact(.machine) == .text("iPhone14,5"))
+    let threads = #"[{"cpu_usage":250,"is_idle":false},{"cpu_usage":0,"is_idle":true},null]"#
+    #expect(device.fact(.threads)?.jsonText == threads)
+    #expect(threadsLent == 0)
     UIDevice.current.name = "Grace's phone"
     #expect(device.fact(.name) == .text("Grace's phone"))
     let elsewhere = await Task.detached { device.fact(.name) }.value
