@@ -5,14 +5,13 @@ import PackageDescription
 let package = Package(
   name: "UIKitTests",
   targets: [
-    .target(name: "Darwin"),
     .target(name: "UIKit"),
     .target(name: "SafariServices", dependencies: ["UIKit"]),
     .systemLibrary(name: "CZolvaCheckoutKit", pkgConfig: "zolvacheckoutkit-c"),
     .target(
-      name: "ZolvaCheckoutKit", dependencies: ["CZolvaCheckoutKit", "Darwin", "UIKit", "SafariServices"]),
+      name: "ZolvaCheckoutKit", dependencies: ["CZolvaCheckoutKit", "UIKit", "SafariServices"]),
     .testTarget(
-      name: "UIKitTests", dependencies: ["ZolvaCheckoutKit", "Darwin", "UIKit", "SafariServices"],
+      name: "UIKitTests", dependencies: ["ZolvaCheckoutKit", "UIKit", "SafariServices"],
       // Swift Testing has an addition for the phone's own UIKit.
       swiftSettings: [.unsafeFlags(["-Xfrontend", "-disable-cross-import-overlays"])]),
   ],

@@ -4,8 +4,8 @@ private import CZolvaCheckoutKit
 #if canImport(FoundationNetworking)
 import FoundationNetworking
 #endif
-#if canImport(Darwin)
-@preconcurrency private import Darwin
+#if canImport(UIKit)
+@preconcurrency private import UIKit
 #endif
 
 /// The C library. Pointers live in this file only, and its types are private to it.
@@ -271,7 +271,7 @@ enum Core {
   }
 }
 
-#if canImport(Darwin)
+#if canImport(UIKit)
 
 extension Core {
   /// What each thread of this process uses of the processor; null for one that cannot be read.

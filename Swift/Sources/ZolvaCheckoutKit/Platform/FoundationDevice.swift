@@ -1,7 +1,7 @@
 import Foundation
 
-#if canImport(Darwin)
-private import Darwin
+#if canImport(UIKit)
+private import UIKit
 #endif
 
 /// What Foundation knows of the device and the application, asked afresh each time.
@@ -22,7 +22,7 @@ struct FoundationDevice: Device {
     }
   }
 
-#if canImport(Darwin)
+#if canImport(UIKit)
   /// Empty where the system does not tell.
   private static var machine: String {
     var name = [CTL_HW, HW_MACHINE]

@@ -10,19 +10,39 @@ import FoundationNetworking
 public final class ZLVFoundationSession: ZLVURLSession {
   static let maximumAnswerSize = 8 * 1024 * 1024
 
-  private let exchanges = Exchanges()
-  private let session: URLSession
+  private let kept = Connections()
 
-  public init() {
-    session = URLSession(configuration: .default, delegate: exchanges, delegateQueue: nil)
-  }
+  public init() {}
 
-  deinit { session.finishTasksAndInvalidate() }
+  deinit { kept.session.finishTasksAndInvalidate() }
 
   public func dataTask(
     with request: URLRequest,
     completion: @escaping @Sendable (Result<(body: Data, statusCode: Int), any Error>) -> Void
   ) {
+#if canImport(FoundationNetworking)
+    // On a kept connection that breaks this Foundation sends again what it sent, or never answers:
+    // what must go out once gets a connection of its own.
+    if request.httpMethod != "GET" {
+      let own = Connections()
+      own.send(request, completion)
+      return own.session.finishTasksAndInvalidate()
+    }
+#endif
+    kept.send(request, completion)
+  }
+}
+
+/// A session of Foundation's with what is under way on it.
+private struct Connections: Sendable {
+  private let exchanges = Exchanges()
+  let session: URLSession
+
+  init() {
+    session = URLSession(configuration: .default, delegate: exchanges, delegateQueue: nil)
+  }
+
+  func send(_ request: URLRequest, _ completion: @escaping Exchanges.Completion) {
     let task = session.dataTask(with: request)
     exchanges.add(task, completion)
     task.resume()
@@ -36,8 +56,6 @@ private final class Exchanges: NSObject, URLSessionDataDelegate {
   private struct Exchange {
     let completion: Completion
     var body = Data()
-    /// Why this side has ended it.
-    var failure: URLError?
     var isRedirected = false
   }
 
@@ -79,21 +97,26 @@ private final class Exchanges: NSObject, URLSessionDataDelegate {
   }
 
   func urlSession(_: URLSession, task: URLSessionTask, didCompleteWithError error: (any Error)?) {
+    complete(task, error)
+  }
+
+  /// Ends an exchange from this side.
+  private func end(_ task: URLSessionTask, _ code: URLError.Code) {
+    complete(task, URLError(code))
+    task.cancel()
+  }
+
+  private func complete(_ task: URLSessionTask, _ error: (any Error)?) {
     guard let exchange = open.withLock({ $0.removeValue(forKey: task.taskIdentifier) }) else {
       return
     }
-    if let error = exchange.failure ?? error {
+    if let error {
       let sent = exchange.isRedirected ? [requestWasSentKey: true] : [:]
       exchange.completion(.failure((error as NSError).adding(sent)))
     } else {
       let statusCode = (task.response as? HTTPURLResponse)?.statusCode ?? 0
       exchange.completion(.success((exchange.body, statusCode)))
     }
-  }
-
-  private func end(_ task: URLSessionTask, _ code: URLError.Code) {
-    open.withLock { $0[task.taskIdentifier]?.failure = URLError(code) }
-    task.cancel()
   }
 }
 

@@ -1,4 +1,4 @@
-// What the library uses of the phone's kernel, from its public headers.
+// What the library uses of the phone's kernel, which comes with UIKit, from its public headers.
 
 public typealias kern_return_t = Int32
 public typealias integer_t = Int32
