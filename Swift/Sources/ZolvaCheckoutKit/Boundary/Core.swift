@@ -5,7 +5,7 @@ private import CZolvaCheckoutKit
 import FoundationNetworking
 #endif
 #if canImport(UIKit)
-@preconcurrency private import UIKit
+@preconcurrency import UIKit
 #endif
 
 /// The C library. Pointers live in this file only, and its types are private to it.

@@ -1,7 +1,7 @@
 import Foundation
 
 #if canImport(UIKit)
-private import UIKit
+import UIKit
 #endif
 
 /// What Foundation knows of the device and the application, asked afresh each time.
