@@ -50,7 +50,9 @@ private final class Session: ZLVURLSession {
     }
   }
 
-  private func error(_ behaviour: @escaping @Sendable (@escaping Session.Completion) -> Void) async -> ZLVError? {
+  private func error(_ behaviour: @escaping @Sendable (@escaping Session.Completion) -> Void) async
+    -> ZLVError?
+  {
     Session.shared.behaviour.value = behaviour
     guard case .failure(let error) = await enquire() else { return nil }
     return error as? ZLVError
@@ -71,7 +73,12 @@ private final class Session: ZLVURLSession {
             ZLVClient.enquireAccount(withAccountID: "acc-1") { answer in
               dispatchPrecondition(condition: .onQueue(.main))
               #expect(throws: Never.self) { try answer.get() }
-              if answers.withLock({ $0 += 1; return $0 }) == count { continuation.resume() }
+              if answers.withLock({
+                $0 += 1
+                return $0
+              }) == count {
+                continuation.resume()
+              }
             }
           }
         }

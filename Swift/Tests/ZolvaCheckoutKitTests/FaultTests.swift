@@ -52,7 +52,9 @@ private let notPlayed = [
 /// What the library's own session makes of each: domain and code, or that there is a record.
 private func usualOutcomes() async throws -> [String: String] {
   let lines = try String(contentsOfFile: "Docs/faults.md", encoding: .utf8).split(separator: "\n")
-  let rows = lines.map { $0.components(separatedBy: " | ").map { $0.trimmingCharacters(in: [" ", "|"]) } }
+  let rows = lines.map {
+    $0.components(separatedBy: " | ").map { $0.trimmingCharacters(in: [" ", "|"]) }
+  }
   return Dictionary(
     rows.filter { $0.count > 3 }.map { row in
       let sent = row[3].range(of: "Sent ").map { " " + row[3][$0.lowerBound...] } ?? ""
@@ -97,7 +99,9 @@ private final class TimedSession: ZLVURLSession {
       ZLVClient.initWithMerchantServerURL(fields[3], merchantId: "M", callbackUrl: "app://done")
       let outcome = await outcome(of: fields[2])
       if !section.isEmpty, section != "TLS" { outcomes.append((what, outcome)) }
-      let tellsTimes = outcomes.last.map { $0.fault.hasPrefix("POST,") || $0.fault.hasPrefix("GET,") }
+      let tellsTimes = outcomes.last.map {
+        $0.fault.hasPrefix("POST,") || $0.fault.hasPrefix("GET,")
+      }
       if section.isEmpty, !what.isEmpty, tellsTimes == true {
         outcomes[outcomes.count - 1].outcome += " Sent \(what == "1" ? "once" : what + " times")."
       }

@@ -54,7 +54,9 @@ import ZolvaCheckoutKit
     }
     #expect(user.pagesSeen == 4)
 
-    let refused = await error { try await self.charge(.init(accountID: id, paymentOptionToken: "none"), 5) }
+    let refused = await error {
+      try await self.charge(.init(accountID: id, paymentOptionToken: "none"), 5)
+    }
     #expect(refused?.domain == ZLVErrorDomain)
     #expect(refused?.code == 404)
     #expect(refused?.requestMayHaveTakenEffect == false)
@@ -76,12 +78,15 @@ import ZolvaCheckoutKit
     ZLVClient.initWithMerchantServerURL(server, merchantId: "M-1001", callbackUrl: "shop://done")
   }
 
-  private func charge(_ zolva: ZLVZolvaDetails, _ amount: Double) async throws -> ZLVTransactionResult {
+  private func charge(_ zolva: ZLVZolvaDetails, _ amount: Double) async throws
+    -> ZLVTransactionResult
+  {
     orders += 1
     return try await ZLVClient.createTransaction(
       withPaymentType: "zolva", viewController: window, zolvaDetails: zolva,
       transactionDetails: .init(grossAmount: amount, orderID: "o-\(orders)", currency: "EUR"),
-      customerDetails: .init(phoneNumber: "+447700900123", firstName: "Ada", email: "ada@example.com"),
+      customerDetails: .init(
+        phoneNumber: "+447700900123", firstName: "Ada", email: "ada@example.com"),
       itemDetails: [.init(itemID: "1", name: "Coffee", price: amount, quantity: 1)])
   }
 

@@ -33,7 +33,10 @@ import FoundationNetworking
     let decision = decision
     let url = page.url
     Task {
-      guard decision != .close else { return shown = nil }
+      guard decision != .close else {
+        shown = nil
+        return
+      }
       ZLVClient.handleCallbackUrl(try await Browser.decide(decision.rawValue, on: url))
     }
   }

@@ -16,7 +16,10 @@ import Testing
     ("9223372036854775808", nil, nil, 9_223_372_036_854_775_808, nil, "9223372036854775808"),
     ("1e300", nil, nil, 1e300, nil, "1e+300"),
     ("false", nil, nil, nil, false, "false"),
-    (#"{"b":[null,1],"a":"\"\\\u0000ü😀"}"#, nil, nil, nil, nil, #"{"a":"\"\\\u0000ü😀","b":[null,1]}"#),
+    (
+      #"{"b":[null,1],"a":"\"\\\u0000ü😀"}"#, nil, nil, nil, nil,
+      #"{"a":"\"\\\u0000ü😀","b":[null,1]}"#
+    ),
   ]
 
   @Test func readings() throws {
@@ -56,7 +59,8 @@ import Testing
 
   /// The whole of it is there for code that knows `NSError` only.
   @Test func errors() throws {
-    let document = #"{"domain":"com.zolva.checkoutkit","code":406,"description":"[1]","failure_reason":"{}","request_may_have_taken_effect":false,"user_info":{"NSLocalizedDescription":[1],"n":null}}"#
+    let document =
+      #"{"domain":"com.zolva.checkoutkit","code":406,"description":"[1]","failure_reason":"{}","request_may_have_taken_effect":false,"user_info":{"NSLocalizedDescription":[1],"n":null}}"#
     guard case .failure(let failure) = ZLVError.result(record: nil, error: document) else {
       throw CancellationError()
     }

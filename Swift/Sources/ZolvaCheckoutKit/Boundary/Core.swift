@@ -1,5 +1,5 @@
-import Foundation
 private import CZolvaCheckoutKit
+import Foundation
 
 #if canImport(FoundationNetworking)
 import FoundationNetworking
@@ -49,7 +49,9 @@ enum Core {
     details: ZLVJSON, presenter: Presenter?, answer: @escaping Answer
   ) {
     withView(of: presenter) { view in
-      begin(Presenter.hold(answer, presenter)) { zlv_charge(details.jsonText, view, completion, $0) }
+      begin(Presenter.hold(answer, presenter)) {
+        zlv_charge(details.jsonText, view, completion, $0)
+      }
     }
   }
 

@@ -22,7 +22,7 @@ struct FoundationDevice: Device {
     }
   }
 
-#if canImport(UIKit)
+  #if canImport(UIKit)
   /// Empty where the system does not tell.
   private static var machine: String {
     var name = [CTL_HW, HW_MACHINE]
@@ -33,14 +33,14 @@ struct FoundationDevice: Device {
   }
 
   private static var threads: ZLVJSON? { Core.threads().map(ZLVJSON.array) }
-#else
-#if arch(arm64)
+  #else
+  #if arch(arm64)
   private static let machine = "aarch64"
-#else
+  #else
   private static let machine = "x86_64"
-#endif
+  #endif
   private static let threads: ZLVJSON? = nil
-#endif
+  #endif
 
   private static var systemVersion: String {
     let version = ProcessInfo.processInfo.operatingSystemVersion

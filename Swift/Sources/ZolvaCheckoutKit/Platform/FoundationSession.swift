@@ -20,7 +20,7 @@ public final class ZLVFoundationSession: ZLVURLSession {
     with request: URLRequest,
     completion: @escaping @Sendable (Result<(body: Data, statusCode: Int), any Error>) -> Void
   ) {
-#if canImport(FoundationNetworking)
+    #if canImport(FoundationNetworking)
     // On a kept connection that breaks this Foundation sends again what it sent, or never answers:
     // what must go out once gets a connection of its own.
     if request.httpMethod != "GET" {
@@ -28,7 +28,7 @@ public final class ZLVFoundationSession: ZLVURLSession {
       own.send(request, completion)
       return own.session.finishTasksAndInvalidate()
     }
-#endif
+    #endif
     kept.send(request, completion)
   }
 }

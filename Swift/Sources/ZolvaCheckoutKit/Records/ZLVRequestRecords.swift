@@ -128,8 +128,9 @@ extension ZLVJSON {
   /// An object of the fields that are there.
   fileprivate static func ofFields(_ fields: (String, (any ZLVField)?)...) -> ZLVJSON {
     .object(
-      Dictionary(uniqueKeysWithValues: fields.compactMap { key, value in
-        value.map { (key, $0.json) }
-      }))
+      Dictionary(
+        uniqueKeysWithValues: fields.compactMap { key, value in
+          value.map { (key, $0.json) }
+        }))
   }
 }

@@ -25,7 +25,9 @@ public func sysctl(
   _ name: UnsafeMutablePointer<Int32>, _ count: UInt32, _ old: UnsafeMutableRawPointer?,
   _ oldSize: UnsafeMutablePointer<Int>?, _: UnsafeMutableRawPointer?, _: Int
 ) -> Int32 {
-  guard name[0] == CTL_HW, name[1] == HW_MACHINE, count == 2, let old, let oldSize else { return -1 }
+  guard name[0] == CTL_HW, name[1] == HW_MACHINE, count == 2, let old, let oldSize else {
+    return -1
+  }
   "iPhone14,5".withCString { old.copyMemory(from: $0, byteCount: 11) }
   oldSize.pointee = 11
   return 0

@@ -19,8 +19,11 @@ final class Server: ZLVURLSession {
     completion: @escaping @Sendable (Result<(body: Data, statusCode: Int), any Error>) -> Void
   ) {
     let isUpload = request.url!.path.hasSuffix("/upload")
-    if isUpload { uploads.withLock { $0.append(String(decoding: request.httpBody!, as: UTF8.self)) } }
-    let page = #"{"status_code": "201", "account_id": "a", "actions": [{"name": "activation-deeplink", "url": "https://wallet.example/1"}]}"#
+    if isUpload {
+      uploads.withLock { $0.append(String(decoding: request.httpBody!, as: UTF8.self)) }
+    }
+    let page =
+      #"{"status_code": "201", "account_id": "a", "actions": [{"name": "activation-deeplink", "url": "https://wallet.example/1"}]}"#
     DispatchQueue.global().async {
       completion(.success((Data((isUpload ? "{}" : page).utf8), isUpload ? 200 : 201)))
     }
