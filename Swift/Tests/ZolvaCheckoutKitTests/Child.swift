@@ -1,14 +1,14 @@
 import Foundation
 
-/// A program of the build's, which ends with this process, however that does.
+/// A program that ends with this process, however that does.
 final class Child {
   private let process = Process()
   private let (input, output) = (Pipe(), Pipe())
   private var read = Data()
 
-  /// `variable` of the environment has the program's path.
-  init(_ variable: String, _ arguments: [String]) throws {
-    let path = ProcessInfo.processInfo.environment[variable]!
+  /// `program` is one, or the variable of the environment with the path of one of the build's.
+  init(_ program: String, _ arguments: [String]) throws {
+    let path = ProcessInfo.processInfo.environment[program] ?? program
     process.executableURL = URL(fileURLWithPath: "/usr/bin/setpriv")
     process.arguments = ["--pdeathsig", "TERM", path] + arguments
     process.standardInput = input

@@ -1,9 +1,6 @@
 import Foundation
+import Testing
 import ZolvaCheckoutKit
-
-#if canImport(FoundationNetworking)
-import FoundationNetworking
-#endif
 
 /// The merchant's server, the wallet and the analytics collector, in a process of their own.
 @MainActor final class Sandbox {
@@ -19,7 +16,7 @@ import FoundationNetworking
 
 /// Whoever sits before the screen: presses the same on every page.
 @MainActor final class User: ZLVUserInterface {
-  enum Decision: String, Codable, Sendable { case confirm, cancel, close }
+  enum Decision: String { case confirm, cancel, close }
 
   var decision = Decision.confirm
   private(set) var pagesSeen = 0
@@ -30,38 +27,18 @@ import FoundationNetworking
   func show(_ page: ZLVPage, over _: ZLVViewController) {
     pagesSeen += 1
     shown = page
-    let decision = decision
-    let url = page.url
+    let form = ["-s", "-o", "/dev/null", "-d", "decision=\(decision.rawValue)"]
+    let target = ["-w", "%{redirect_url}\\n", page.url.absoluteString]
+    let isClosing = decision == .close
     Task {
-      guard decision != .close else {
+      guard !isClosing else {
         shown = nil
         return
       }
-      ZLVClient.handleCallbackUrl(try await Browser.decide(decision.rawValue, on: url))
+      let url = try Child("curl", form + target).line().flatMap(URL.init(string:))
+      ZLVClient.handleCallbackUrl(try #require(url))
     }
   }
 
   func hide(_: ZLVPage, animated _: Bool) { shown = nil }
-}
-
-/// Reads the wallet's page and submits its form, but follows no link out of it.
-private final class Browser: NSObject, URLSessionTaskDelegate {
-  static func decide(_ decision: String, on page: URL) async throws -> URL {
-    let session = URLSession(configuration: .ephemeral, delegate: Browser(), delegateQueue: nil)
-    defer { session.finishTasksAndInvalidate() }
-    let text = String(decoding: try await session.data(from: page).0, as: UTF8.self)
-    let action = text.components(separatedBy: "action=\"")[1].prefix { $0 != "\"" }
-    var form = URLRequest(url: URL(string: String(action), relativeTo: page)!)
-    form.httpMethod = "POST"
-    form.httpBody = Data("decision=\(decision)".utf8)
-    let answer = try await session.data(for: form).1 as! HTTPURLResponse
-    return URL(string: answer.value(forHTTPHeaderField: "Location")!)!
-  }
-
-  func urlSession(
-    _: URLSession, task _: URLSessionTask, willPerformHTTPRedirection _: HTTPURLResponse,
-    newRequest _: URLRequest, completionHandler: @escaping @Sendable (URLRequest?) -> Void
-  ) {
-    completionHandler(nil)
-  }
 }

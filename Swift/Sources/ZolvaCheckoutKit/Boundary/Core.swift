@@ -15,12 +15,10 @@ enum Core {
   /// A page's handle: a number, though C has it as a pointer.
   typealias Handle = UInt
 
-  // ---- Calls
-
   @MainActor static func configure(
     merchantServerURL: String, merchantId: String, callbackUrl: String, isLoggingEnabled: Bool
   ) {
-    [merchantServerURL, merchantId, callbackUrl].forEach(checkForC)
+    checkForC(merchantServerURL + merchantId + callbackUrl)
     check(zlv_configure(merchantServerURL, merchantId, callbackUrl, isLoggingEnabled ? 1 : 0))
   }
 
@@ -67,8 +65,6 @@ enum Core {
   /// Tells that a page is gone. Any thread; of no effect where the library has hidden it.
   static func pageClosed(_ page: Handle) { zlv_page_closed(OpaquePointer(bitPattern: page)) }
 
-  // ---- Their answers
-
   private final class Waiting: Sendable {
     let answer: Answer
     init(_ answer: @escaping Answer) { self.answer = answer }
@@ -89,7 +85,7 @@ enum Core {
     let result = operation(waiting.toOpaque())
     guard result != ZLV_OK else { return }
     waiting.release()
-    guard result == ZLV_NO_RESOURCES else { return check(result) }
+    if result != ZLV_NO_RESOURCES { fatalError(lastFault) }
     let error = ZLVError(domain: NSPOSIXErrorDomain, code: Int(ENOMEM), description: lastFault)
     DispatchQueue.main.async { answer(.failure(error)) }
   }
@@ -112,6 +108,7 @@ enum Core {
   }
 
   private static var lastFault: String { String(cString: zlv_last_fault()) }
+
   private static func check(_ result: zlv_result) {
     if result != ZLV_OK { fatalError(lastFault) }
   }
@@ -136,8 +133,8 @@ enum Core {
     }
     platform.log = { Core.host($0).platform.log(String(cString: $1!)) }
     platform.device_fact = { context, fact, text in
-      let value = Fact(rawValue: fact).flatMap(Core.host(context).fact)
-      if let value { zlv_text_set(text, value.description) }
+      guard let value = Fact(rawValue: fact).flatMap(Core.host(context).fact) else { return }
+      zlv_text_set(text, value.description)
     }
     platform.show_page = { Core.showPage($0, $1!.pointee) }
     platform.hide_page = { context, page, animated in

@@ -61,7 +61,6 @@ let standardUserInterface: any ZLVUserInterface = NoUserInterface()
 
 /// Shows nothing: each page is gone at once.
 struct NoUserInterface: ZLVUserInterface {
-  nonisolated init() {}
   func show(_: ZLVPage, over _: ZLVViewController) {}
   func hide(_: ZLVPage, animated _: Bool) {}
 }

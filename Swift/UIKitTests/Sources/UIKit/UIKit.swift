@@ -20,7 +20,7 @@ import Foundation
   }
 
   public func makeKeyAndVisible() {
-    windowScene?.windows.forEach { $0.isKeyWindow = false }
+    for window in windowScene?.windows ?? [] { window.isKeyWindow = false }
     isKeyWindow = true
   }
 }
