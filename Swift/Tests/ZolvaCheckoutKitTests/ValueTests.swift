@@ -49,14 +49,6 @@ import Testing
     #expect(item.json.jsonText == #"{"id":"1","name":"Tea","price":3.133,"quantity":2}"#)
   }
 
-  @Test func absentFields() {
-    let account = ZLVAccountInfo(json: .object([:]))
-    #expect(account.accountID == nil)
-    #expect(account.metadata.paymentOptions == nil)
-    let option = ZLVPaymentOptions(json: .object(["metadata": .array([])]))
-    #expect(!option.active && option.balance.value == nil && option.metadata == .array([]))
-  }
-
   /// The whole of it is there for code that knows `NSError` only.
   @Test func errors() throws {
     let document =

@@ -1,3 +1,5 @@
+// Fields that are absent are left out of the request. Nothing is checked on this side.
+
 /// The wallet user whose account is to be linked.
 public struct ZLVPartnerDetails: Sendable, Hashable {
   /// Without the country's code: "7700900123".
@@ -65,8 +67,11 @@ public struct ZLVTransactionDetails: Sendable, Hashable {
 public struct ZLVCustomerDetails: Sendable, Hashable {
   /// With the country's code: "+447700900123".
   public var phoneNumber: String?
+  /// As the customer gives it.
   public var firstName: String?
+  /// As the customer gives it.
   public var lastName: String?
+  /// Where the merchant writes to.
   public var email: String?
 
   public init(
