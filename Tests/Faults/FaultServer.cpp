@@ -58,8 +58,9 @@ int main(int argc, char** argv) {
     for (const auto& fault : section.faults) {
       const bool isTimed = fault.earlierReply && fault.earlierReply->gate;
       const bool isProxied = fault.url.find("shop.test") != std::string::npos;
-      if (named.contains(fault.what) == isOnly && !isTimed && !isProxied)
+      if (named.contains(fault.what) == isOnly && !isTimed && !isProxied) {
         play(section.title, fault);
+      }
     }
   }
 }
