@@ -56,6 +56,20 @@ class CommandLine {
     add({{"--port", std::to_string(sandbox.port)}});
   }
   void operator()(const DemoCommand& /*demo*/) { arguments.emplace_back("demo"); }
+  void operator()(const DoctorCommand& doctor) {
+    arguments.emplace_back("doctor");
+    if (doctor.isAgreed) arguments.emplace_back("--yes");
+    if (doctor.isJSON) arguments.emplace_back("--json");
+    if (doctor.confirmsPages) arguments.emplace_back("--confirm-pages");
+    add({{"--account-id", doctor.accountID},
+         {"--payment-option-token", doctor.paymentOptionToken},
+         {"--gross-amount", ZLVValue(doctor.grossAmount).description()},
+         {"--currency", doctor.currency},
+         {"--phone-number", doctor.phoneNumber},
+         {"--country-code", doctor.countryCode},
+         {"--payment-type", doctor.paymentType},
+         {"--time-limit", ZLVValue(doctor.timeLimit).description()}});
+  }
 
   std::vector<std::string> arguments;
 

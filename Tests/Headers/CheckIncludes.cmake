@@ -87,7 +87,7 @@ may_include("ZolvaCheckoutKit/C/Internal/ZLVLinuxBuiltIn\\.cpp" standard ports l
 may_include("ZolvaCheckoutKit/C/Internal/ZLVDocuments\\.cpp" standard values records c json_text)
 may_include("ZolvaCheckoutKit/C/.*" standard values version records facade ports c)
 may_include("Sandbox/.*" standard foreign sandbox)
-may_include("Apps/.*" standard foreign values records facade ports linux gtk sandbox apps)
+may_include("Apps/.*" standard foreign values version records facade ports linux gtk sandbox apps)
 
 list(REMOVE_ITEM all ${checked})
 foreach(file IN LISTS all)
