@@ -73,22 +73,27 @@ class ZLVAwaitable {
     if (waiting_) waiting_->coroutine = nullptr;
   }
 
+  /// Starts it without a coroutine: `completion`, a copyable function of a `ZLVResult`, is called
+  /// once, later, on the main thread. In place of awaiting it.
+  template <class Completion>
+  void start(Completion completion) && {
+    // The answer may be there, and this object gone, before the call below returns.
+    auto start = std::move(start_);
+    std::move(start)([completion = std::move(completion)](std::shared_ptr<Record> record,
+                                                          std::optional<ZLVError> error) mutable {
+      completion(error ? ZLVResult<Record>(*std::move(error))
+                       : ZLVResult<Record>(std::move(record)));
+    });
+  }
+
   /// Never: an answer always comes later.
   static constexpr bool await_ready() noexcept { return false; }
 
   /// Starts the operation.
   void await_suspend(std::coroutine_handle<> coroutine) {
-    auto waiting = std::make_shared<Waiting>(Waiting{coroutine, std::nullopt});
-    waiting_ = waiting;
-    // The answer may be there, and this object gone, before the call below returns.
-    auto start = std::move(start_);
-    std::move(start)([waiting = std::move(waiting)](std::shared_ptr<Record> record,
-                                                    std::optional<ZLVError> error) {
-      if (error) {
-        waiting->result.emplace(*std::move(error));
-      } else {
-        waiting->result.emplace(std::move(record));
-      }
+    waiting_ = std::make_shared<Waiting>(Waiting{coroutine, std::nullopt});
+    std::move(*this).start([waiting = waiting_](ZLVResult<Record> result) {
+      waiting->result.emplace(std::move(result));
       if (waiting->coroutine) std::exchange(waiting->coroutine, nullptr).resume();
     });
   }

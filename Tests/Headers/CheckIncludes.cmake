@@ -1,5 +1,5 @@
 # Checks every file's includes against the rules below: facade -> core -> ports <- backends, and
-# no public header that includes anything but the standard library.
+# no public header that includes anything but the standard library, save those for event loops.
 #
 #   cmake -D ROOT=project -P CheckIncludes.cmake
 cmake_minimum_required(VERSION 3.25)
@@ -26,6 +26,9 @@ set(gtk "ZolvaCheckoutKit/Platform/GTK/[A-Za-z]+\\.h")
 set(c "ZolvaCheckoutKit/C/(zolvacheckoutkit(_ports)?|Internal/[A-Za-z]+)\\.h")
 set(c_standard "std(def|int)\\.h")
 set(json_text "ZolvaCheckoutKit/Core/Values/ZLVJSONSerialization\\.h")
+set(frame_queue "ZolvaCheckoutKit/EventLoops/ZLVFrameMainQueue\\.h")
+set(asio "boost/asio/.*")
+set(qt "Q[A-Z][A-Za-z]+")
 set(sandbox "Sandbox/[A-Za-z]+\\.h")
 set(apps "Apps/.*")
 
@@ -82,6 +85,10 @@ may_include("${session}" standard ports session)
 may_include("ZolvaCheckoutKit/Platform/Curl/.*" standard values ports posix libcurl curl)
 may_include("ZolvaCheckoutKit/Platform/[^/]+/[^/]+\\.h" standard values ports linux own)  # any backend
 may_include("ZolvaCheckoutKit/Platform/.*" standard values ports session linux own_internal foreign)
+# A third party's headers in public ones: only of whoever includes such a header, who has that library.
+may_include("ZolvaCheckoutKit/EventLoops/ZLVAsio.*" standard facade frame_queue asio)
+may_include("ZolvaCheckoutKit/EventLoops/ZLVQt.*" standard frame_queue qt)
+may_include("ZolvaCheckoutKit/EventLoops/.*" standard ports)
 may_include("ZolvaCheckoutKit/C/[a-z_]+\\.h" c_standard c)
 may_include("ZolvaCheckoutKit/C/Internal/ZLVLinuxBuiltIn\\.cpp" standard ports linux c foreign)
 may_include("ZolvaCheckoutKit/C/Internal/ZLVDocuments\\.cpp" standard values records c json_text)

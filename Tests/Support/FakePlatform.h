@@ -13,7 +13,10 @@
 #include "ZolvaCheckoutKit/Core/Values/ZLVJSONSerialization.h"
 
 struct FakeMainQueue : ZLVMainQueue {
-  void dispatch(ZLVOnce<void()> block) override { blocks.push_back(std::move(block)); }
+  void dispatch(ZLVOnce<void()> block) override {
+    if (target != nullptr) return target->dispatch(std::move(block));
+    blocks.push_back(std::move(block));
+  }
   void drain() {
     while (!blocks.empty()) {
       auto block = std::move(blocks.front());
@@ -22,6 +25,7 @@ struct FakeMainQueue : ZLVMainQueue {
     }
   }
   std::deque<ZLVOnce<void()>> blocks;
+  std::shared_ptr<ZLVMainQueue> target;  // in place of this one
 };
 
 struct FakeLog : ZLVSystemLog {
