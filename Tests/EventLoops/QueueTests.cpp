@@ -65,6 +65,13 @@ using Loops = testing::Types<FrameLoop, AsioLoop, QtLoop>;
 using Loops = testing::Types<FrameLoop, AsioLoop>;
 #endif
 
+/// In the fake platform's main queue's place.
+struct Forward final : ZLVFakeMainQueue {
+  explicit Forward(std::shared_ptr<ZLVMainQueue> queue) : target(std::move(queue)) {}
+  void dispatch(ZLVOnce<void()> block) override { target->dispatch(std::move(block)); }
+  std::shared_ptr<ZLVMainQueue> target;
+};
+
 template <class Loop>
 class EventLoop : public testing::Test {
  protected:
@@ -136,7 +143,7 @@ TYPED_TEST(EventLoop, GoesOnAfterWhatABlockThrows) {
 TYPED_TEST(EventLoop, RunsUntilNothingIsUnderWay) {
   FakePlatform fake;
   auto& queue = *this->loop.queue;
-  fake.queue->target = this->loop.queue;
+  fake.queue = std::make_shared<Forward>(this->loop.queue);
   const auto runs = [&](milliseconds limit) { return queue.runUntilIdle(limit); };
   EXPECT_TRUE(runs(milliseconds::min()));
   std::string order;
@@ -230,7 +237,7 @@ TEST(QtQueueDeathTest, WhatNobodyTakesEndsTheProcess) {
 TEST(AsioOperations, AnswerAsTheTokenHasIt) {
   FakePlatform fake;
   AsioLoop loop;
-  fake.queue->target = loop.queue;
+  fake.queue = std::make_shared<Forward>(loop.queue);
   FakePlatform::configure();
   const auto answer = [&](int status) {
     ASSERT_FALSE(fake.session.merchant.empty());
