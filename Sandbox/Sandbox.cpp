@@ -159,6 +159,11 @@ ZLVSandbox::~ZLVSandbox() = default;
 
 std::uint16_t ZLVSandbox::port() const { return implementation_->server.port(); }
 std::string ZLVSandbox::baseURL() const { return ::baseURL(port()); }
+std::pair<ZLVSandboxAnswer, ZLVMisbehaviour> ZLVSandbox::exchange(
+    const ZLVSandboxRequest& request) {
+  auto reply = implementation_->reply(request);
+  return {std::move(reply.answer), std::move(reply.misbehaviour)};
+}
 void ZLVSandbox::stop() { implementation_->server.stop(); }
 
 void ZLVSandbox::misbehave(ZLVSandboxMatch match, ZLVMisbehaviour misbehaviour) {

@@ -7,6 +7,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include <Sandbox/Exchange.h>
@@ -67,6 +68,10 @@ class ZLVSandbox {
   [[nodiscard]] std::uint16_t port() const;
   /// "http://127.0.0.1:PORT", the merchant server's URL; the analytics root URL is this and "/".
   [[nodiscard]] std::string baseURL() const;
+
+  /// Answers as the server does, without a connection; what would become of that is told beside it.
+  [[nodiscard]] std::pair<ZLVSandboxAnswer, ZLVMisbehaviour> exchange(
+      const ZLVSandboxRequest& request);
 
   /// Closes every connection, stalled ones too, and returns when nothing runs any more. What was
   /// received can still be read.

@@ -567,3 +567,37 @@ TEST(IncompletePlatform, IsAFaultThatNamesThePart) {
     EXPECT_TRUE(fault.ends_with(part)) << fault;
   }
 }
+
+TEST(FakePlatforms, LeaveNothingBehind) {
+  const auto isIdle = [] { return ZLVActivity::runUntilIdle({}, [](auto) {}); };
+  int answered = 0;
+  const auto link = [&] {
+    ZLVClient::linkAccountWithPaymentType(
+        "zolva", nullptr, ZLVPlatform::installed().userInterface->keyWindowRootViewController(),
+        [&](const auto&, const auto&) { ++answered; });
+  };
+  const std::pair<int, std::function<void(FakePlatform&)>> ends[] = {
+      {0, [](FakePlatform&) {}},
+      {0, [](FakePlatform& fake) { fake.session.merchant.back().answer(500, "{}"); }},
+      {0, [](FakePlatform& fake) { fake.session.merchant.clear(); }},
+      {1, [](FakePlatform& fake) {
+         fake.session.merchant.back().answer(201, actions(action("activation-deeplink")));
+         fake.queue->drain();
+         EXPECT_NE(fake.ui->browser, nullptr);
+       }}};
+  for (const auto& [answers, end] : ends) {
+    answered = 0;
+    {
+      FakePlatform fake;
+      EXPECT_THROW(FakePlatform(), ZLVProgrammingFault);
+      fake.ui->root = std::make_shared<ZLVViewController>();
+      EXPECT_TRUE(fake.session.analytics.empty() && fake.ui->journal.empty() && isIdle());
+      EXPECT_FALSE(ZLVVendor::shared().callbackUrl());
+      FakePlatform::configure();
+      link();
+      end(fake);
+      EXPECT_FALSE(isIdle());
+    }
+    EXPECT_EQ(answered, answers);
+  }
+}

@@ -139,10 +139,9 @@ class ZLVFakePlatform {
   /// `analyticsRootURL` counts for the first of the process.
   explicit ZLVFakePlatform(
       std::optional<std::string> analyticsRootURL = "https://analytics.test/") {
-    if (std::exchange(current(), this) != nullptr) {
-      throw ZLVProgrammingFault("ZLVFakePlatform: there is one already");
-    }
+    if (current() != nullptr) throw ZLVProgrammingFault("ZLVFakePlatform: there is one already");
     if (!ZLVPlatform::isInstalled()) install(std::move(analyticsRootURL));
+    current() = this;
   }
   ZLVFakePlatform(const ZLVFakePlatform&) = delete;
   ZLVFakePlatform& operator=(const ZLVFakePlatform&) = delete;
