@@ -1,7 +1,6 @@
 #pragma once
 
 #include <memory>
-#include <mutex>
 
 #include <boost/asio/io_context.hpp>
 #include <boost/asio/post.hpp>
@@ -12,6 +11,7 @@
 /// throws leaves through `run`. Once the context is gone nothing runs any more.
 class ZLVAsioMainQueue final : public ZLVMainQueue {
  public:
+  /// Of the context that it keeps a reference to.
   explicit ZLVAsioMainQueue(boost::asio::io_context& context)
       : context_(context), life_(boost::asio::use_service<Service>(context).life) {}
   ~ZLVAsioMainQueue() override { blocks_->clear(); }

@@ -19,6 +19,7 @@ class ZLVQtMainQueue final : public ZLVMainQueue {
   /// process ends as after any exception that nobody catches. Must not throw.
   using UncaughtException = std::function<void(std::exception_ptr exception)>;
 
+  /// Main thread, where it is to be destroyed, too.
   explicit ZLVQtMainQueue(UncaughtException uncaughtException = {})
       : uncaughtException_(std::move(uncaughtException)) {}
 

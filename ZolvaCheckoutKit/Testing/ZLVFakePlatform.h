@@ -65,6 +65,7 @@ struct ZLVFakeDevice : ZLVDevice {
 struct ZLVFakeUserInterface : ZLVUserInterface {
   /// A page of it. The user closes it by `closed`, which the page's end takes along.
   struct Browser : ZLVBrowser {
+    /// Not yet shown.
     Browser(ZLVFakeUserInterface& screen, std::string page) : owner(screen), url(std::move(page)) {}
     ~Browser() override {
       if (owner.browser == this) owner.browser = nullptr;
@@ -134,7 +135,8 @@ class ZLVFakePlatform {
   struct Session {
     std::vector<ZLVFakeTask> merchant;   ///< Calls.
     std::vector<ZLVFakeTask> analytics;  ///< Uploads of usage events; nobody waits for them.
-  } session;
+  };
+  Session session;  ///< What waits for an answer.
 
   /// `analyticsRootURL` counts for the first of the process.
   explicit ZLVFakePlatform(
