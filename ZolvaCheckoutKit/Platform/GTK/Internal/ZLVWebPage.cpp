@@ -91,10 +91,7 @@ void ZLVWebPage::connectLoading() {
                      [this](WebKitWebView*, GParamSpec*) { events_.stateChanged(); });
   }
   signals_.connect(view, "load-changed", [this](WebKitWebView*, WebKitLoadEvent event) {
-    if (event == WEBKIT_LOAD_STARTED) {
-      interruption_ = ZLVProblem::Kind::Address;
-      login_.reset();
-    }
+    if (event == WEBKIT_LOAD_STARTED) interruption_ = ZLVProblem::Kind::Address;
     if (event == WEBKIT_LOAD_COMMITTED) committed();
   });
   // Handled, or the engine would show a page of its own.
@@ -229,6 +226,8 @@ bool ZLVWebPage::decideNavigation(WebKitNavigationAction* action) {
   using Verdict = ZLVNavigationPolicy::Verdict;
   const auto verdict = verdictOn(action, false);
   if (verdict == Verdict::Load) {
+    // Here, for a login may be asked for before the load is said to have started.
+    login_.reset();
     return webkit_navigation_action_get_navigation_type(action) !=
            WEBKIT_NAVIGATION_TYPE_FORM_RESUBMITTED;
   }
