@@ -74,10 +74,9 @@ TEST(FunctionLog, HandsLinesOverWhateverTheFunctionThrows) {
         ++lines;
         throw std::runtime_error("a host");
       }));
-  {
-    std::thread([&] { log->log("token=1"); }).join();
-    log->log("token=2");
-  }
+  std::thread other([&] { log->log("token=1"); });
+  log->log("token=2");
+  other.join();
   EXPECT_EQ(lines, 2);
   ZLVFunctionLog(nullptr).log("nobody listens");
 }
