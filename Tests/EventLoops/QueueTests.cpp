@@ -94,7 +94,7 @@ TYPED_TEST(EventLoop, RunsBlocksLaterInOrderOnItsThread) {
       ++ran;
     });
   };
-  std::vector<std::jthread> others;
+  std::vector<std::thread> others;
   for (std::size_t thread = 0; thread < threads; ++thread) {
     others.emplace_back([&, thread] {
       for (int i = 0; i < each; ++i) dispatchFrom(thread, i);
@@ -109,12 +109,13 @@ TYPED_TEST(EventLoop, RunsBlocksLaterInOrderOnItsThread) {
   }
   EXPECT_EQ(ran, 0);
   while (ran < each * (threads + 1)) this->loop.turn();
+  for (auto& other : others) other.join();
 
   // Another thread's block that comes after this one's runs after it.
   std::string order;
   queue.dispatch([&] {
     queue.dispatch([&] { order += 'a'; });
-    std::jthread([&] { queue.dispatch([&] { order += 'b'; }); }).join();
+    std::thread([&] { queue.dispatch([&] { order += 'b'; }); }).join();
   });
   while (order.size() < 2) this->loop.turn();
   EXPECT_EQ(order, "ab");
@@ -166,7 +167,7 @@ TYPED_TEST(EventLoop, RunsUntilNothingIsUnderWay) {
   // The last one ends on another thread while this one sleeps, or is about to.
   for (int i = 0; i < 300; ++i) {
     std::atomic<bool> isRunning = false;
-    std::jthread other([activity = ZLVActivity(), &isRunning]() mutable {
+    std::thread other([activity = ZLVActivity(), &isRunning]() mutable {
       isRunning.wait(false);
       activity.end();
     });
@@ -175,6 +176,7 @@ TYPED_TEST(EventLoop, RunsUntilNothingIsUnderWay) {
       isRunning.notify_one();
     });
     EXPECT_TRUE(runs(milliseconds::max()));
+    other.join();
   }
 }
 
@@ -196,7 +198,7 @@ TEST(AsioQueue, TheContextGoesFirst) {
   const auto give = [&] { queue.dispatch([alive] { FAIL(); }); };
   // A handler that goes with the context dispatches, too.
   boost::asio::post(*context, [held = std::shared_ptr<int>(nullptr, [&](int*) { give(); })] {});
-  std::jthread other([&] {
+  std::thread other([&] {
     for (int i = 0; i < 10'000; ++i) give();
   });
   give();
