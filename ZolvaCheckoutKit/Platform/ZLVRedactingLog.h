@@ -101,7 +101,9 @@ class ZLVRedactingLog final : public ZLVSystemLog {
     }
     static bool hasOneOf(std::string_view name, Texts texts) {
       return std::ranges::any_of(texts, [&](std::string_view text) {
-        return !std::ranges::search(name, text, {}, lowered).empty();
+        const auto isSame = [](char a, char b) { return lowered(a) == b; };
+        return std::search(name.begin(), name.end(), text.begin(), text.end(), isSame) !=
+               name.end();
       });
     }
 
@@ -205,7 +207,8 @@ class ZLVRedactingLog final : public ZLVSystemLog {
       }
       const bool isToken = word.size() >= minimumTokenSize &&
                            std::ranges::count_if(word, isDigit) >= minimumTokenDigits;
-      const bool isNumber = !std::ranges::search_n(word, minimumDigits, true, {}, isDigit).empty();
+      const bool isNumber = std::search_n(word.begin(), word.end(), minimumDigits, true,
+                                          [](char c, bool) { return isDigit(c); }) != word.end();
       return isToken || isNumber ? takeTo(end) : keepTo(end);
     }
 
