@@ -35,9 +35,11 @@ class Device : public testing::Test {
 TEST_F(Device, NamesTheMachineAsItIsNow) {
   utsname kernel{};
   uname(&kernel);
+  write("sys/class/dmi/id/uevent", "");
+  write("sys/firmware/devicetree/base/name", "");
   const auto now = device();
   EXPECT_EQ(now.machine(), kernel.machine);
-  write("proc/device-tree/model", std::string("Board 4 B\0", 10));
+  write("sys/firmware/devicetree/base/model", std::string("Board 4 B\0", 10));
   EXPECT_EQ(now.machine(), "Board 4 B");
   write("sys/class/dmi/id/product_name", " Laptop 13 \n");
   EXPECT_EQ(now.machine(), "Laptop 13");

@@ -40,25 +40,30 @@ ZLVValue osVersion(std::string_view call) {
 }
 
 ZLVDictionary deviceFacts(std::string_view call) {
-  return {{"app version", applicationVersion(call)},
-          {"sdk version", sdkVersion},
-          {"device name", deviceName(call)},
-          {"device model", ZLVDeviceHelper::deviceModel()},
-          {"OS", "iOS"},
-          {"OS version", osVersion(call)}};
+  // Asked in this order: the fault names the first that is missing.
+  auto applicationVersion = ::applicationVersion(call);
+  auto deviceName = ::deviceName(call);
+  auto deviceModel = ZLVDeviceHelper::deviceModel();
+  auto osVersion = ::osVersion(call);
+  return {{"OS", "iOS"},  // and listed in the order of keys, which is then not looked for
+          {"OS version", std::move(osVersion)},
+          {"app version", std::move(applicationVersion)},
+          {"device model", std::move(deviceModel)},
+          {"device name", std::move(deviceName)},
+          {"sdk version", sdkVersion}};
 }
 
 ZLVDictionary profile(const ZLVValue& identity, ZLVDictionary profileData) {
   profileData.set("name", identity);
-  return {{"type", "profile"}, {"identity", identity}, {"profileData", std::move(profileData)}};
+  return {{"identity", identity}, {"profileData", std::move(profileData)}, {"type", "profile"}};
 }
 
 void sendEvent(std::string_view eventName, ZLVDictionary eventData) {
   constexpr std::string_view call = "trackEventName";
-  ZLVDictionary event{{"identity", merchantId(call)},
-                      {"type", "event"},
+  ZLVDictionary event{{"evtData", std::move(eventData)},
                       {"evtName", eventName},
-                      {"evtData", std::move(eventData)}};
+                      {"identity", merchantId(call)},
+                      {"type", "event"}};
   ZLVAnalyticsTracker::shared().sendAnalyticRequest(
       {std::move(event), profile(merchantId(call), {})});
 }

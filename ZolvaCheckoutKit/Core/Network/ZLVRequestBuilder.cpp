@@ -76,6 +76,7 @@ ZLVURLRequest ZLVRequestBuilder::buildRequest(ZLVHTTPMethod method, const ZLVDic
   request.URL = std::move(requestURL);
   request.HTTPMethod = buildMethod(method);
   request.timeoutInterval = timeoutInterval;
+  request.allHTTPHeaderFields.reserve(header.size());
   for (const auto& [name, value] : header) {
     request.allHTTPHeaderFields.emplace_back(name, value.description());
   }

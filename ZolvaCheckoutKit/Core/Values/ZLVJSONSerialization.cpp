@@ -159,7 +159,10 @@ constexpr bool needsCare(char character) {
 class Writer {
  public:
   Writer(ZLVJSONSerialization::Unwritable unwritable, std::size_t lookedAt)
-      : unwritable_(unwritable), lookedAt_(lookedAt) {}
+      : unwritable_(unwritable), lookedAt_(lookedAt) {
+    constexpr std::size_t usual = 512;  // bytes of a usage event
+    text_.reserve(usual);
+  }
 
   std::string takeText() { return std::move(text_); }
 

@@ -6,7 +6,10 @@
 std::string ZLVStringWithFormat(std::string_view format,
                                 std::initializer_list<std::optional<std::string_view>> arguments) {
   constexpr std::string_view placeholder = "%@";
+  std::size_t size = format.size();
+  for (const auto& argument : arguments) size += argument.value_or(ZLVMissingObjectText).size();
   std::string text;
+  text.reserve(size);
   for (const auto& argument : arguments) {
     const auto position = format.find(placeholder);
     if (position == std::string_view::npos) break;

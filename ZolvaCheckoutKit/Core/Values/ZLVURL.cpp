@@ -56,9 +56,10 @@ bool isScheme(std::string_view text) {
 
 /// Cuts `text` off at the first of `delimiters` and returns what stood before it.
 std::string_view takeUntil(std::string_view& text, std::string_view delimiters) {
-  const auto end = std::min(text.find_first_of(delimiters), text.size());
-  const auto taken = text.substr(0, end);
-  text.remove_prefix(end);
+  const auto* const end =
+      std::find_first_of(text.begin(), text.end(), delimiters.begin(), delimiters.end());
+  const auto taken = text.substr(0, static_cast<std::size_t>(end - text.begin()));
+  text.remove_prefix(taken.size());
   return taken;
 }
 

@@ -47,6 +47,7 @@ void sortByKey(std::vector<ZLVDictionary::Entry>& entries) {
     return;
   }
   for (auto entry = entries.begin(); entry != entries.end(); ++entry) {
+    if (entry == entries.begin() || !isLess(*entry, *std::prev(entry))) continue;
     std::rotate(std::upper_bound(entries.begin(), entry, *entry, isLess), entry, entry + 1);
   }
 }

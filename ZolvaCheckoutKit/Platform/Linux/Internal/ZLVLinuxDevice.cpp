@@ -15,6 +15,9 @@ namespace {
 /// for the main thread.
 constexpr std::chrono::milliseconds threadInterval(5);
 
+constexpr const char* firmwareTables = "sys/class/dmi/id";
+constexpr const char* boardDescription = "sys/firmware/devicetree/base";
+
 utsname kernelNames() {
   utsname names{};
   uname(&names);
@@ -26,8 +29,10 @@ utsname kernelNames() {
 ZLVLinuxDevice::ZLVLinuxDevice(ZLVLinuxApplication application, std::filesystem::path root)
     : application_(std::move(application)),
       root_(std::move(root)),
-      productName_(root_, "sys/class/dmi/id/product_name"),
-      boardModel_(root_, "proc/device-tree/model"),
+      hasFirmwareTables_(std::filesystem::exists(root_ / firmwareTables)),
+      hasBoardDescription_(std::filesystem::exists(root_ / boardDescription)),
+      productName_(root_ / firmwareTables, "product_name"),
+      boardModel_(root_ / boardDescription, "model"),
       prettyHostname_(root_, "etc/machine-info", "PRETTY_HOSTNAME"),
       versionByAdministrator_(root_, "etc/os-release", "VERSION_ID"),
       versionByVendor_(root_, "usr/lib/os-release", "VERSION_ID") {}
@@ -59,9 +64,10 @@ std::vector<std::string> ZLVLinuxDevice::preferredLanguages() const {
 }
 
 std::optional<std::string> ZLVLinuxDevice::machine() const {
-  if (auto name = productName_.value()) return name;
-  if (auto model = boardModel_.value()) return model;
-  return kernelNames().machine;
+  if (auto name = hasFirmwareTables_ ? productName_.value() : std::nullopt) return name;
+  if (auto model = hasBoardDescription_ ? boardModel_.value() : std::nullopt) return model;
+  static const auto& kernelMachine = *new std::string(kernelNames().machine);
+  return kernelMachine;
 }
 
 std::optional<std::string> ZLVLinuxDevice::name() const {

@@ -33,6 +33,9 @@ class ZLVLinuxDevice final : public ZLVDevice {
  private:
   ZLVLinuxApplication application_;
   std::filesystem::path root_;
+  // What the firmware tells at all is settled before the first process starts.
+  bool hasFirmwareTables_;
+  bool hasBoardDescription_;
   ZLVSystemFact productName_;
   ZLVSystemFact boardModel_;
   ZLVSystemFact prettyHostname_;
