@@ -9,4 +9,6 @@ struct ZLVCurlOptions {
   bool allowsCleartext = false;
   std::optional<std::string> CAFile = std::nullopt;
   std::size_t maximumAnswerSize = 0;
+  /// A URL of the server to connect to before the first call.
+  std::optional<std::string> connectsAheadTo = std::nullopt;
 };

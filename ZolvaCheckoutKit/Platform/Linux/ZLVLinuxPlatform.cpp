@@ -17,6 +17,7 @@ ZLVPlatform ZLVLinuxPlatform::platformWithOptions(ZLVLinuxOptions options) {
       .allowsCleartext = options.allowsCleartext,
       .CAFile = options.CAFile,
       .maximumAnswerSize = options.maximumAnswerSize,
+      .connectsAheadTo = options.connectsAheadTo,
   };
   platform.makeURLSession = [forSession] { return std::make_unique<ZLVCurlSession>(forSession); };
   platform.mainQueue = ZLVLinuxMainQueue::mainQueue();

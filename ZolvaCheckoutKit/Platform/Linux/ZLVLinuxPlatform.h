@@ -28,6 +28,11 @@ struct ZLVLinuxOptions {
   std::size_t maximumAnswerSize = std::size_t{8} * 1024 * 1024;
   /// Base URL of the analytics service, ending in "/", where it is not the usual one.
   std::optional<std::string> analyticsRootURL = std::nullopt;
+  /// A URL of the server, usually the merchant's, to which a connection is opened as soon as the
+  /// client is configured, so that the first call finds it there. Nothing is sent over it but what
+  /// TLS asks for. When it cannot be made, or the server has closed it meanwhile, the first call
+  /// connects as it would without it.
+  std::optional<std::string> connectsAheadTo = std::nullopt;
 };
 
 /// The backend for Linux: HTTP by libcurl, a queue that the host's main thread runs, the syslog
