@@ -1,11 +1,14 @@
 #pragma once
 
 #include <utility>
+#include <vector>
 
 #include <curl/curl.h>
 
+#include <ZolvaCheckoutKit/Platform/Curl/ZLVCurlHandles.h>
 #include <ZolvaCheckoutKit/Platform/Curl/ZLVCurlOptions.h>
 #include <ZolvaCheckoutKit/Platform/Curl/ZLVCurlSockets.h>
+#include <ZolvaCheckoutKit/Platform/Curl/ZLVCurlSystem.h>
 #include <ZolvaCheckoutKit/Platform/Curl/ZLVTrustStore.h>
 
 /// What a session's calls have in common. Used on the session's thread.
@@ -14,6 +17,9 @@ struct ZLVCurlContext {
 
   const ZLVCurlOptions options;
   ZLVTrustStore trust;
-  ZLVCurlSockets sockets;
-  CURLSH* share = nullptr;  ///< Cookies and TLS sessions.
+  ZLVReadiness readiness;
+  ZLVCurlSockets sockets{readiness};
+  ZLVCurlHandles handles;
+  CURLSH* share = nullptr;   ///< Cookies and TLS sessions.
+  std::vector<CURL*> sent;   ///< Whose request has gone out, since the loop looked.
 };

@@ -38,47 +38,88 @@ struct ZLVCurlExchange::Callbacks {
     auto& exchange = *static_cast<ZLVCurlExchange*>(self);
     exchange.sending_.ask();
     if (exchange.sending_.isRefused()) return CURL_SOCKET_BAD;
-    return exchange.sockets_.open(*address, exchange.attempt_);
+    return exchange.context_.sockets.open(*address, exchange.attempt_);
   }
 
   /// Called each time that a connection is there and the request about to be sent.
   static int send(void* self, char* /*peer*/, char* /*local*/, int peerPort, int localPort) {
     auto& exchange = *static_cast<ZLVCurlExchange*>(self);
-    exchange.sending_.ask();
-    if (exchange.sending_.isRefused()) return CURL_PREREQFUNC_ABORT;
-    exchange.isSpoilt_ = exchange.sockets_.isReadable(localPort, peerPort);
-    if (exchange.isSpoilt_) return CURL_PREREQFUNC_ABORT;
-    exchange.sockets_.settle(exchange.attempt_);
-    exchange.sending_.noteSent();
+    auto& sockets = exchange.context_.sockets;
+    if (!exchange.manner_.isAhead) {
+      exchange.sending_.ask();
+      if (exchange.sending_.isRefused()) return CURL_PREREQFUNC_ABORT;
+      exchange.isSpoilt_ = sockets.isSpoilt(localPort, peerPort);
+      if (exchange.isSpoilt_) return CURL_PREREQFUNC_ABORT;
+      exchange.sending_.noteSent();
+      exchange.context_.sent.push_back(exchange.handle());
+    }
+    sockets.settle(exchange.attempt_, localPort, peerPort);
     exchange.idle_.noteProgress();
     return CURL_PREREQFUNC_OK;
   }
+
+  static int seek(void* /*self*/, curl_off_t /*offset*/, int /*origin*/) {
+    return CURL_SEEKFUNC_OK;
+  }
 };
+
+ZLVCurlHandles::Owner ZLVCurlExchange::makeModel(ZLVCurlContext& context) {
+  ZLVCurlHandles::Owner model(curl_easy_init());
+  if (!model) return model;
+  const auto set = [&model](CURLoption option, auto value) {
+    if (model && curl_easy_setopt(model.get(), option, value) != CURLE_OK) model.reset();
+  };
+  set(CURLOPT_HEADERFUNCTION, &Callbacks::header);
+  set(CURLOPT_WRITEFUNCTION, &Callbacks::write);
+  set(CURLOPT_NOPROGRESS, 0L);
+  set(CURLOPT_XFERINFOFUNCTION, &Callbacks::progress);
+  set(CURLOPT_OPENSOCKETFUNCTION, &Callbacks::openSocket);
+  set(CURLOPT_CLOSESOCKETFUNCTION, &ZLVCurlSockets::close);
+  set(CURLOPT_CLOSESOCKETDATA, &context.sockets);
+  set(CURLOPT_PREREQFUNCTION, &Callbacks::send);
+  ZLVCurlHopOptions::setFixed(set, context.trust);
+  return model;
+}
 
 ZLVCurlExchange::ZLVCurlExchange(const ZLVHTTPHop& hop, Manner manner, ZLVSendOnce& sending,
                                  ZLVIdleLimit& idle, ZLVCurlContext& context)
     : sending_(sending),
       idle_(idle),
-      sockets_(context.sockets),
+      context_(context),
+      manner_(manner),
       attempt_{.isHasty = manner.isHasty},
-      reader_(context.options.maximumAnswerSize) {
+      reader_(context.options.maximumAnswerSize),
+      handle_(context.handles) {
+  attempt_.transfer = handle();
   handle_.set(CURLOPT_ERRORBUFFER, message_.data());
-  handle_.set(CURLOPT_HEADERFUNCTION, &Callbacks::header);
   handle_.set(CURLOPT_HEADERDATA, this);
-  handle_.set(CURLOPT_WRITEFUNCTION, &Callbacks::write);
   handle_.set(CURLOPT_WRITEDATA, this);
-  handle_.set(CURLOPT_NOPROGRESS, 0L);
-  handle_.set(CURLOPT_XFERINFOFUNCTION, &Callbacks::progress);
   handle_.set(CURLOPT_XFERINFODATA, this);
-  handle_.set(CURLOPT_OPENSOCKETFUNCTION, &Callbacks::openSocket);
   handle_.set(CURLOPT_OPENSOCKETDATA, this);
-  handle_.set(CURLOPT_CLOSESOCKETFUNCTION, &ZLVCurlSockets::close);
-  handle_.set(CURLOPT_CLOSESOCKETDATA, &sockets_);
-  handle_.set(CURLOPT_PREREQFUNCTION, &Callbacks::send);
   handle_.set(CURLOPT_PREREQDATA, this);
   handle_.set(CURLOPT_FRESH_CONNECT, manner.isFresh ? 1L : 0L);
   ZLVCurlHopOptions::set(handle_, hop, context, idle.interval());
+  if (manner.isAhead) {
+    // To go on with an upload that is complete already: libcurl finds out once it is connected, and
+    // before it sends anything. It keeps such a connection, and none of CURLOPT_CONNECT_ONLY.
+    handle_.set(CURLOPT_UPLOAD, 1L);
+    handle_.set(CURLOPT_INFILESIZE, 1L);
+    handle_.set(CURLOPT_RESUME_FROM, 1L);
+    handle_.set(CURLOPT_SEEKFUNCTION, &Callbacks::seek);
+    handle_.useOnce();
+  }
   result_ = handle_.error();
+}
+
+ZLVCurlExchange::~ZLVCurlExchange() { context_.sockets.settle(attempt_, 0, 0); }
+
+void ZLVCurlExchange::finish(CURLcode result) {
+  result_ = result;
+  if (manner_.isAhead) {
+    if (result == CURLE_PARTIAL_FILE) context_.sockets.keepUnused(handle());
+  } else if (result == CURLE_OK) {
+    context_.sockets.keep(handle());
+  }
 }
 
 bool ZLVCurlExchange::wasTooHasty() const {

@@ -20,6 +20,8 @@ class ZLVCurlExchange {
   struct Manner {
     bool isHasty = true;   ///< An address that does not answer soon is left for the next one.
     bool isFresh = false;  ///< Kept connections are left alone.
+    /// The connection is made and kept, and nothing goes out on it.
+    bool isAhead = false;
   };
 
   struct Failure {
@@ -27,12 +29,15 @@ class ZLVCurlExchange {
     std::string underlying = {};  ///< libcurl's code and words.
   };
 
+  /// The options that all exchanges of a session have in common.
+  static ZLVCurlHandles::Owner makeModel(ZLVCurlContext& context);
+
   /// All that it is given outlives it.
   ZLVCurlExchange(const ZLVHTTPHop& hop, Manner manner, ZLVSendOnce& sending, ZLVIdleLimit& idle,
                   ZLVCurlContext& context);
   ZLVCurlExchange(const ZLVCurlExchange&) = delete;
   ZLVCurlExchange& operator=(const ZLVCurlExchange&) = delete;
-  ~ZLVCurlExchange() = default;
+  ~ZLVCurlExchange();
 
   [[nodiscard]] CURL* handle() const { return handle_.get(); }
 
@@ -40,7 +45,7 @@ class ZLVCurlExchange {
   [[nodiscard]] bool isReady() const { return result_ == CURLE_OK; }
 
   /// libcurl is done with the handle. What follows tells what became of it.
-  void finish(CURLcode result) { result_ = result; }
+  void finish(CURLcode result);
 
   /// The kept connection that it was to go out on had something to read, and was not used.
   [[nodiscard]] bool isSpoilt() const { return isSpoilt_; }
@@ -65,7 +70,8 @@ class ZLVCurlExchange {
 
   ZLVSendOnce& sending_;
   ZLVIdleLimit& idle_;
-  ZLVCurlSockets& sockets_;
+  ZLVCurlContext& context_;
+  const Manner manner_;
   ZLVCurlSockets::Attempt attempt_;
   ZLVHTTPAnswerReader reader_;
   std::array<char, CURL_ERROR_SIZE> message_{};

@@ -1,22 +1,27 @@
 #pragma once
 
 #include <memory>
+#include <utility>
 
 #include <curl/curl.h>
 
-/// A libcurl handle with its options.
-///
-/// Handles are used once: libcurl before 8.2 keeps a pointer to the last header of an answer and,
-/// where the next answer begins with a folded line, follows it when that is gone.
+#include <ZolvaCheckoutKit/Platform/Curl/ZLVCurlHandles.h>
+
+/// A libcurl handle with the options of one hop.
 class ZLVCurlHandle {
  public:
   struct Cleanup {
-    void operator()(CURL* handle) const { curl_easy_cleanup(handle); }
     void operator()(curl_slist* list) const { curl_slist_free_all(list); }
   };
 
-  ZLVCurlHandle() {
+  /// `handles` outlives it.
+  explicit ZLVCurlHandle(ZLVCurlHandles& handles) : handles_(handles), handle_(handles.take()) {
     if (handle_ == nullptr) error_ = CURLE_OUT_OF_MEMORY;
+  }
+  ZLVCurlHandle(const ZLVCurlHandle&) = delete;
+  ZLVCurlHandle& operator=(const ZLVCurlHandle&) = delete;
+  ~ZLVCurlHandle() {
+    if (isLike_) handles_.giveBack(std::move(handle_));
   }
 
   [[nodiscard]] CURL* get() const { return handle_.get(); }
@@ -35,11 +40,16 @@ class ZLVCurlHandle {
   }
   void setHeader() { set(CURLOPT_HTTPHEADER, header_.get()); }
 
+  /// It has options that no other hop has, and is not used again.
+  void useOnce() { isLike_ = false; }
+
   /// Why the handle cannot be used, if it cannot.
   [[nodiscard]] CURLcode error() const { return error_; }
 
  private:
   std::unique_ptr<curl_slist, Cleanup> header_;  // outlives the handle, which refers to it
-  std::unique_ptr<CURL, Cleanup> handle_{curl_easy_init()};
+  ZLVCurlHandles& handles_;
+  ZLVCurlHandles::Owner handle_;
   CURLcode error_ = CURLE_OK;
+  bool isLike_ = true;  // the others
 };

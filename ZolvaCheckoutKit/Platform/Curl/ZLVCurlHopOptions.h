@@ -8,9 +8,26 @@
 /// The options by which libcurl makes one hop and nothing beyond.
 namespace ZLVCurlHopOptions {
 
+/// Sets those that are the same for every hop, by `set(option, value)`.
+template <class Set>
+void setFixed(const Set& set, const ZLVTrustStore& trust) {
+  set(CURLOPT_PROTOCOLS_STR, "http,https");
+  set(CURLOPT_PATH_AS_IS, 1L);
+  set(CURLOPT_ACCEPT_ENCODING, "");
+  set(CURLOPT_COOKIEFILE, "");
+  set(CURLOPT_NOSIGNAL, 1L);
+  // A name that is still being looked up must not hold up the session's thread.
+  set(CURLOPT_QUICK_EXIT, 1L);
+  set(CURLOPT_TCP_KEEPALIVE, 1L);
+  set(CURLOPT_SSLVERSION, static_cast<long>(CURL_SSLVERSION_TLSv1_2));
+  // A folder of authorities would keep libcurl from keeping those of the file.
+  if (trust.hasSystemFile()) set(CURLOPT_CAPATH, static_cast<const char*>(nullptr));
+  if (!trust.file().empty()) set(CURLOPT_CAINFO, trust.file().c_str());
+}
+
 /// Tells `handle` where to go, by which connection, and what to send. It refers to `hop` and
-/// `context` from then on.
+/// `context` from then on, and connects no longer than it may be `idle`.
 void set(ZLVCurlHandle& handle, const ZLVHTTPHop& hop, const ZLVCurlContext& context,
-         ZLVIdleLimit::Clock::duration timeToConnect);
+         ZLVIdleLimit::Clock::duration idle);
 
 }  // namespace ZLVCurlHopOptions

@@ -12,8 +12,7 @@
 
 namespace {
 
-/// How often libcurl is driven while it connects, and how soon the thread looks for work while it
-/// cannot be woken.
+/// How soon the thread looks for work while it cannot be woken.
 constexpr std::chrono::milliseconds often(100);
 
 /// The host's signal handlers run on the host's threads, and a broken connection does not end the
@@ -55,16 +54,37 @@ void ZLVCurlLoop::end(End how) {
   if (thread_.joinable() && !isCurrent()) thread_.join();
 }
 
+struct ZLVCurlLoop::Callbacks {
+  static int watch(CURL* /*handle*/, curl_socket_t socket, int what, void* self, void* /*own*/) {
+    auto& context = static_cast<ZLVCurlLoop*>(self)->context_;
+    constexpr unsigned events[] = {0, ZLVReadiness::Read, ZLVReadiness::Write,
+                                   ZLVReadiness::Read | ZLVReadiness::Write};
+    static_assert(CURL_POLL_IN == 1 && CURL_POLL_OUT == 2 && CURL_POLL_INOUT == 3);
+    if (what != CURL_POLL_REMOVE) {
+      context.readiness.watch(socket, events[what]);
+    } else if (context.sockets.has(socket)) {
+      context.readiness.rest(socket);  // most often the next call wants the same of it
+    } else {
+      context.readiness.forget(socket);  // libcurl closes its own without another word
+    }
+    return 0;
+  }
+
+  static int setTimer(CURLM* /*multi*/, long milliseconds, void* self) {
+    static_cast<ZLVCurlLoop*>(self)->timer_ =
+        milliseconds < 0 ? Clock::time_point::max()
+                         : Clock::now() + std::chrono::milliseconds(milliseconds);
+    return 0;
+  }
+};
+
 void ZLVCurlLoop::run() {
   blockSignals();
   ZLVCurlSystem::nameThread("zlv-http");
   setUp();
   End end = takeAdded();
-  for (int running = 0; end == End::None; end = takeAdded()) {
-    curl_multi_perform(multi_, &running);
-    takeDone();
-    failIdle();
-    sendWaiting();
+  for (; end == End::None; end = takeAdded()) {
+    runDue();
     sleep();
   }
   if (end == End::Cancel) tearDown();
@@ -72,130 +92,202 @@ void ZLVCurlLoop::run() {
 
 void ZLVCurlLoop::setUp() {
   ZLVCurlLifetime::setUpLibrary();
-  context_.trust.read();
   multi_ = curl_multi_init();
   context_.share = curl_share_init();
   if (multi_ == nullptr || context_.share == nullptr) throw std::bad_alloc();
-  // By itself libcurl keeps four times as many as there are calls, and not always the latest.
-  curl_multi_setopt(multi_, CURLMOPT_MAXCONNECTS,
-                    static_cast<long>(ZLVServerQueue::maximumUnderWay));
+  curl_multi_setopt(multi_, CURLMOPT_SOCKETFUNCTION, &Callbacks::watch);
+  curl_multi_setopt(multi_, CURLMOPT_SOCKETDATA, this);
+  curl_multi_setopt(multi_, CURLMOPT_TIMERFUNCTION, &Callbacks::setTimer);
+  curl_multi_setopt(multi_, CURLMOPT_TIMERDATA, this);
   // No locks are given: only this thread uses what is shared.
   curl_share_setopt(context_.share, CURLSHOPT_SHARE, CURL_LOCK_DATA_COOKIE);
   curl_share_setopt(context_.share, CURLSHOPT_SHARE, CURL_LOCK_DATA_SSL_SESSION);
+  keepConnections();
+  readTrust();
+  if (const auto& URL = context_.options.connectsAheadTo) {
+    auto ahead = ZLVCurlTransfer::ahead(*URL);
+    ahead->start(context_);
+    goOn(std::move(ahead));
+  }
+}
+
+void ZLVCurlLoop::readTrust() {
+  if (!context_.trust.read() && context_.handles.hasModel()) return;
+  context_.handles.setModel(
+      ZLVCurlExchange::makeModel(context_),
+      context_.options.usesHandlesAgain.value_or(ZLVCurlHandles::mayBeUsedAgain()));
 }
 
 void ZLVCurlLoop::tearDown() {
   while (!calls_.empty()) fail(calls_.begin()->first, NSURLErrorCancelled);
+  context_.handles.clear();
   curl_multi_cleanup(multi_);
   curl_share_cleanup(context_.share);
 }
 
+void ZLVCurlLoop::keepConnections() {
+  // By itself libcurl keeps four times as many as there are calls, and not always the latest.
+  const long wanted = std::max(underWay_, static_cast<long>(ZLVServerQueue::maximumUnderWay));
+  if (std::exchange(keptConnections_, wanted) == wanted) return;
+  curl_multi_setopt(multi_, CURLMOPT_MAXCONNECTS, wanted);
+}
+
 ZLVCurlLoop::End ZLVCurlLoop::takeAdded() {
-  std::vector<std::unique_ptr<ZLVCurlTransfer>> added;
   End end = End::None;
   {
     const std::lock_guard lock(mutex_);
     isAsleep_ = false;
     end = end_;
-    if (end != End::Abandon) added.swap(added_);
+    if (end != End::Abandon) taken_.swap(added_);
   }
-  if (!added.empty()) context_.trust.read();
-  for (auto& transfer : added) {
+  if (!taken_.empty()) readTrust();
+  for (auto& transfer : taken_) {
     transfer->start(context_);
     goOn(std::move(transfer));
   }
+  taken_.clear();
   return end;
 }
 
 void ZLVCurlLoop::goOn(std::unique_ptr<ZLVCurlTransfer> transfer) {
   if (transfer->isAnswered()) return transfer->complete();
-  nextDeadline_ = std::min(nextDeadline_, transfer->deadline());
   CURL* handle = transfer->handle();
   const bool mayShareConnections = transfer->server().scheme == "https";
-  auto& queue = queues_.try_emplace(transfer->server().origin(), mayShareConnections).first->second;
-  calls_.emplace(handle, Call{std::move(transfer), &queue});
-  queue.add(handle);
+  const auto deadline = deadlines_.emplace(transfer->deadline(), handle);
+  const auto queue =
+      &*queues_.try_emplace(transfer->server().origin(), mayShareConnections).first;
+  calls_.emplace(handle, Call{std::move(transfer), queue, deadline, queue->second.add(handle)});
   sendWaiting(queue);
 }
 
-void ZLVCurlLoop::sendWaiting(ZLVServerQueue& queue) {
-  while (queue.hasNext()) {
-    CURL* handle = queue.takeNext();
+void ZLVCurlLoop::sendWaiting(Queues::pointer queue) {
+  while (queue->second.hasNext()) {
+    CURL* handle = queue->second.takeNext();
     calls_.at(handle).isWaiting = false;
-    if (curl_multi_add_handle(multi_, handle) != CURLM_OK) fail(handle, NSURLErrorUnknown);
+    ++underWay_;
+    keepConnections();
+    if (curl_multi_add_handle(multi_, handle) == CURLM_OK) continue;
+    const auto call = release(handle);
+    call.transfer->fail(NSURLErrorUnknown);
+    call.transfer->complete();
   }
+  if (queue->second.isIdle()) queues_.erase(queue->first);
 }
 
-void ZLVCurlLoop::sendWaiting() {
-  for (auto& [name, queue] : queues_) {
-    if (!queue.isReached() && calls_.at(queue.first()).transfer->isSent()) queue.noteReached();
+ZLVCurlLoop::Call ZLVCurlLoop::release(CURL* handle) {
+  Call call = std::move(calls_.extract(handle).mapped());
+  deadlines_.erase(call.deadline);
+  auto& queue = call.queue->second;
+  if (call.isWaiting) {
+    queue.removeWaiting(call.place);
+  } else {
+    curl_multi_remove_handle(multi_, handle);
+    ZLVCurlCookies::limit(handle);
+    queue.removeUnderWay();
+    --underWay_;
+    keepConnections();
+  }
+  return call;
+}
+
+void ZLVCurlLoop::drive(curl_socket_t socket, unsigned events) {
+  const int what = ((events & ZLVReadiness::Read) != 0 ? CURL_CSELECT_IN : 0) |
+                   ((events & ZLVReadiness::Write) != 0 ? CURL_CSELECT_OUT : 0);
+  int running = 0;
+  curl_multi_socket_action(multi_, socket, what, &running);
+}
+
+void ZLVCurlLoop::noteSent() {
+  for (CURL* handle : context_.sent) {
+    const auto found = calls_.find(handle);
+    if (found == calls_.end()) continue;
+    const auto queue = found->second.queue;
+    if (queue->second.isReached()) continue;
+    queue->second.noteReached();
     sendWaiting(queue);
   }
-  std::erase_if(queues_, [](const auto& entry) { return entry.second.isIdle(); });
-}
-
-std::unique_ptr<ZLVCurlTransfer> ZLVCurlLoop::release(CURL* handle) {
-  curl_multi_remove_handle(multi_, handle);
-  ZLVCurlCookies::limit(handle);
-  auto [transfer, queue, isWaiting] = std::move(calls_.extract(handle).mapped());
-  if (isWaiting) {
-    queue->removeWaiting(handle);
-  } else {
-    queue->removeUnderWay();
-  }
-  return std::move(transfer);
+  context_.sent.clear();
 }
 
 void ZLVCurlLoop::takeDone() {
   int remaining = 0;
   while (const CURLMsg* message = curl_multi_info_read(multi_, &remaining)) {
-    CURL* handle = message->easy_handle;
     const CURLcode result = message->data.result;  // NOLINT(*-union-access): libcurl's
-    if (result == CURLE_OK) context_.sockets.keep(handle);
-    auto transfer = release(handle);
-    transfer->finishHop(result);
-    goOn(std::move(transfer));
+    auto call = release(message->easy_handle);
+    sendWaiting(call.queue);
+    call.transfer->finishHop(result);
+    goOn(std::move(call.transfer));
   }
+}
+
+void ZLVCurlLoop::runDue() {
+  if (timer_ <= Clock::now()) {
+    timer_ = Clock::time_point::max();
+    drive(CURL_SOCKET_TIMEOUT);
+  }
+  auto& sockets = context_.sockets;
+  for (curl_socket_t socket{}; (socket = sockets.lookAtAttempts()) != CURL_SOCKET_BAD;) {
+    drive(socket);
+  }
+  noteSent();
+  takeDone();
+  for (CURL* handle : sockets.takeStranded()) {
+    if (!calls_.contains(handle)) continue;
+    // libcurl has no other way to say that a transfer is to be looked at.
+    curl_easy_pause(handle, CURLPAUSE_SEND);
+    curl_easy_pause(handle, CURLPAUSE_CONT);
+  }
+  failIdle();
 }
 
 void ZLVCurlLoop::failIdle() {
-  const auto now = Clock::now();
-  if (now < nextDeadline_) return;
-  nextDeadline_ = Clock::time_point::max();
-  std::vector<CURL*> idle;
-  for (const auto& [handle, call] : calls_) {
-    if (call.transfer->deadline() <= now) {
-      idle.push_back(handle);
-    } else {
-      nextDeadline_ = std::min(nextDeadline_, call.transfer->deadline());
+  for (const auto now = Clock::now(); !deadlines_.empty() && deadlines_.begin()->first <= now;) {
+    CURL* handle = deadlines_.begin()->second;
+    auto& call = calls_.at(handle);
+    const auto deadline = call.transfer->deadline();
+    if (deadline <= now) {
+      fail(handle, NSURLErrorTimedOut);
+      continue;
     }
+    auto later = deadlines_.extract(call.deadline);
+    later.key() = deadline;
+    call.deadline = deadlines_.insert(std::move(later));
   }
-  for (CURL* handle : idle) fail(handle, NSURLErrorTimedOut);
 }
 
 void ZLVCurlLoop::fail(CURL* handle, NSURLError code) {
-  const auto transfer = release(handle);
-  transfer->fail(code);
-  transfer->complete();
+  const auto call = release(handle);
+  call.transfer->fail(code);
+  call.transfer->complete();
+  sendWaiting(call.queue);
 }
 
 void ZLVCurlLoop::sleep() {
+  auto& readiness = context_.readiness;
+  auto time = timeToSleep();
   {
     const std::lock_guard lock(mutex_);
-    if (!added_.empty() || end_ != End::None) return;
-    wake_.open();
-    isAsleep_ = true;
+    if (!wake_.isOpen()) {
+      wake_.open();
+      if (wake_.isOpen()) readiness.watch(wake_.descriptor(), ZLVReadiness::Read);
+    }
+    isAsleep_ = added_.empty() && end_ == End::None;
+    if (!isAsleep_) time = {};
   }
-  context_.sockets.giveUpSlow();
-  const auto time = std::chrono::ceil<std::chrono::milliseconds>(timeToSleep());
-  curl_waitfd wake{wake_.descriptor(), CURL_WAIT_POLLIN, 0};
-  curl_multi_poll(multi_, &wake, wake_.isOpen() ? 1 : 0, static_cast<int>(time.count()), nullptr);
-  if (wake.revents != 0) wake_.clear();
+  readiness.wait(time);
+  while (const auto ready = readiness.next()) {
+    if (ready->descriptor == wake_.descriptor()) {
+      wake_.clear();
+    } else {
+      drive(ready->descriptor, ready->events);
+    }
+  }
 }
 
-ZLVCurlLoop::Clock::duration ZLVCurlLoop::timeToSleep() const {
+std::chrono::milliseconds ZLVCurlLoop::timeToSleep() const {
   const auto now = Clock::now();
-  const bool isBrief = context_.sockets.hasAttempts() || !wake_.isOpen();
-  const Clock::duration longest = isBrief ? often : std::chrono::hours(1);
-  return std::clamp(nextDeadline_, now, now + longest) - now;
+  const Clock::duration longest = wake_.isOpen() ? std::chrono::hours(1) : often;
+  auto next = std::min(timer_, context_.sockets.nextLook());
+  if (!deadlines_.empty()) next = std::min(next, deadlines_.begin()->first);
+  return std::chrono::ceil<std::chrono::milliseconds>(std::clamp(next, now, now + longest) - now);
 }

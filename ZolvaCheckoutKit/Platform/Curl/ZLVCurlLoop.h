@@ -1,5 +1,6 @@
 #pragma once
 
+#include <map>
 #include <memory>
 #include <mutex>
 #include <string>
@@ -14,7 +15,9 @@
 #include <ZolvaCheckoutKit/Platform/Curl/ZLVCurlTransfer.h>
 #include <ZolvaCheckoutKit/Platform/Curl/ZLVServerQueue.h>
 
-/// A thread that runs transfers with one libcurl multi handle.
+/// A thread that runs transfers with one libcurl multi handle. What happens costs as much with ten
+/// thousand of them as with one: nothing here looks at all of them, and libcurl is only told of the
+/// sockets that are ready.
 class ZLVCurlLoop {
  public:
   /// How the thread ends.
@@ -41,39 +44,58 @@ class ZLVCurlLoop {
 
  private:
   using Clock = ZLVIdleLimit::Clock;
+  using Queues = std::unordered_map<std::string, ZLVServerQueue>;  // by the server's origin
+  using Deadlines = std::multimap<Clock::time_point, CURL*>;
   struct Call {
     std::unique_ptr<ZLVCurlTransfer> transfer;
-    ZLVServerQueue* queue;
+    Queues::pointer queue;
+    Deadlines::iterator deadline;
+    ZLVServerQueue::Place place;  // while it waits
     bool isWaiting = true;
   };
+  /// What libcurl calls while it works on the multi handle.
+  struct Callbacks;
 
   void run();
   void setUp();
   void tearDown();
+  /// Reads the certificate authorities, where that has not succeeded before.
+  void readTrust();
+  /// As many as calls are under way, and some for those to come.
+  void keepConnections();
   /// Starts what other threads have added and tells how the loop is to end.
   End takeAdded();
   /// Keeps the transfer until its turn, or completes it.
   void goOn(std::unique_ptr<ZLVCurlTransfer> transfer);
-  /// Gives the transfers to libcurl whose turn it is.
-  void sendWaiting(ZLVServerQueue& queue);
-  void sendWaiting();
+  /// Gives the transfers to libcurl whose turn it is. The queue goes when it has no more.
+  void sendWaiting(Queues::pointer queue);
   /// Takes the transfer back from libcurl.
-  std::unique_ptr<ZLVCurlTransfer> release(CURL* handle);
+  Call release(CURL* handle);
+  /// Tells libcurl that a socket is ready, or CURL_SOCKET_TIMEOUT.
+  void drive(curl_socket_t socket, unsigned events = 0);
+  /// Takes in which requests libcurl has sent.
+  void noteSent();
   void takeDone();
+  /// What is due by the clock.
+  void runDue();
   void failIdle();
   void fail(CURL* handle, NSURLError code);
   /// Until there is something to do.
   void sleep();
-  [[nodiscard]] Clock::duration timeToSleep() const;
+  [[nodiscard]] std::chrono::milliseconds timeToSleep() const;
 
   // The thread's own.
   ZLVCurlContext context_;
   CURLM* multi_ = nullptr;
+  Clock::time_point timer_ = Clock::time_point::max();  // libcurl's
   std::unordered_map<CURL*, Call> calls_;
-  std::unordered_map<std::string, ZLVServerQueue> queues_;  // by the server's origin
-  /// No call's deadline is earlier. Deadlines only move to later moments, so that the calls need
-  /// not be looked at before.
-  Clock::time_point nextDeadline_ = Clock::time_point::max();
+  Queues queues_;
+  /// Each call's deadline, or an earlier moment: deadlines only move to later ones, and are looked
+  /// at when the moment has come.
+  Deadlines deadlines_;
+  long underWay_ = 0;
+  long keptConnections_ = 0;
+  std::vector<std::unique_ptr<ZLVCurlTransfer>> taken_;
 
   // Shared.
   std::mutex mutex_;

@@ -11,4 +11,6 @@ struct ZLVCurlOptions {
   std::size_t maximumAnswerSize = 0;
   /// A URL of the server to connect to before the first call.
   std::optional<std::string> connectsAheadTo = std::nullopt;
+  /// Whether libcurl's handles are used more than once; where absent, its version decides.
+  std::optional<bool> usesHandlesAgain = std::nullopt;
 };

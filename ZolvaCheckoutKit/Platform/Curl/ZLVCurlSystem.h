@@ -1,8 +1,12 @@
 #pragma once
 
+#include <array>
 #include <chrono>
+#include <optional>
+#include <set>
 #include <string>
 #include <string_view>
+#include <vector>
 
 // What a session asks of its system where POSIX has no word for it. The session declares this, and
 // the backend that it is part of defines it: a system without one of these does not link.
@@ -17,9 +21,68 @@ void nameThread(const char* name);
 /// lost, where the system can be told so. -1 and errno when there is no socket to be had.
 int openSocket(int family, int type, int protocol, std::chrono::milliseconds acknowledgement);
 
+/// As socketpair(2) of local streams, not inherited either. Nothing when there are none to be had.
+std::optional<std::array<int, 2>> openPair();
+
+/// Whether the other side of a connection has ended it, also behind what it has sent before.
+bool hasEnded(int socket);
+
 }  // namespace ZLVCurlSystem
 
-/// Ends the sleep of a thread that waits in poll(2). Its descriptors are not inherited either, and
+/// Tells which of many descriptors are ready, at a cost that does not grow with those that are not.
+/// Used on one thread.
+class ZLVReadiness {
+ public:
+  enum Event : unsigned { Read = 1, Write = 2 };
+  struct Ready {
+    int descriptor;
+    unsigned events;  ///< None where that is not known: it has to be tried.
+  };
+
+  ZLVReadiness() = default;
+  ZLVReadiness(const ZLVReadiness&) = delete;
+  ZLVReadiness& operator=(const ZLVReadiness&) = delete;
+  ~ZLVReadiness();
+
+  /// From now on these events of `descriptor` are told, and no others. What the system cannot watch,
+  /// for lack of a descriptor or of memory, is said to be ready ten times a second.
+  void watch(int descriptor, unsigned events);
+
+  /// Nothing is told of it until it is watched again. That is cheaper than forgetting it, which
+  /// still has to be done before it is closed.
+  void rest(int descriptor);
+
+  /// It is not watched any more, and may be closed; another descriptor may get its number.
+  void forget(int descriptor);
+
+  /// Waits until one is ready, for `limit` at most. What was ready before is dropped.
+  void wait(std::chrono::milliseconds limit);
+
+  /// The next one that `wait` has found and that is still watched for it.
+  std::optional<Ready> next();
+
+ private:
+  struct Watch {
+    unsigned generation = 0;  ///< Tells a descriptor from an earlier one with its number.
+    unsigned wanted = 0, registered = 0;
+  };
+  struct Found {
+    Ready ready;
+    unsigned generation;
+  };
+
+  void update(int descriptor);
+  [[nodiscard]] Watch& at(int descriptor) {
+    return watches_[static_cast<std::size_t>(descriptor)];
+  }
+
+  int descriptor_ = -1;
+  std::vector<Watch> watches_;  // by descriptor
+  std::set<int> unwatched_;     // which the system should watch, and does not
+  std::vector<Found> found_;    // the last one first
+};
+
+/// Ends the sleep of a thread that waits for its descriptor. Its descriptors are not inherited either, and
 /// none of its operations blocks.
 class ZLVWakeSignal {
  public:

@@ -7,6 +7,15 @@
 ZLVCurlTransfer::ZLVCurlTransfer(ZLVURLRequest request, ZLVURLSession::CompletionHandler handler)
     : request_(std::move(request)), handler_(std::move(handler)), idle_(request_.timeoutInterval) {}
 
+std::unique_ptr<ZLVCurlTransfer> ZLVCurlTransfer::ahead(const std::string& URL) {
+  ZLVURLRequest request;
+  request.URL = ZLVURL::URLWithString(URL);
+  auto transfer = std::make_unique<ZLVCurlTransfer>(std::move(request),
+                                                    ZLVURLSession::CompletionHandler());
+  transfer->isAhead_ = true;
+  return transfer;
+}
+
 void ZLVCurlTransfer::start(ZLVCurlContext& context) {
   context_ = &context;
   hop_ = ZLVHTTPHop::first(std::move(request_));
@@ -23,6 +32,10 @@ void ZLVCurlTransfer::finishHop(CURLcode result) {
     manner_.isHasty = false;
     return prepareExchange();
   }
+  if (isAhead_) {
+    answer_.emplace();
+    return;
+  }
   if (const char* location = exchange_->location()) {
     auto next = hop_.redirected(exchange_->status(), location);
     if (const auto* error = std::get_if<NSURLError>(&next)) return fail(*error);
@@ -35,7 +48,7 @@ void ZLVCurlTransfer::finishHop(CURLcode result) {
 
 void ZLVCurlTransfer::prepareHop() {
   sending_ = ZLVSendOnce(hop_.isRepeatable());
-  manner_ = {};
+  manner_ = {.isAhead = isAhead_};
   if (const auto code = hop_.refusal(context_->options.allowsCleartext)) return fail(*code);
   prepareExchange();
 }

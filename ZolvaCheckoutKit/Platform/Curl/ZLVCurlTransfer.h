@@ -1,5 +1,6 @@
 #pragma once
 
+#include <memory>
 #include <optional>
 #include <string>
 
@@ -17,6 +18,9 @@
 class ZLVCurlTransfer {
  public:
   ZLVCurlTransfer(ZLVURLRequest request, ZLVURLSession::CompletionHandler handler);
+
+  /// No call, but the connection to a server that calls will find there.
+  static std::unique_ptr<ZLVCurlTransfer> ahead(const std::string& URL);
 
   /// Prepares the first hop. `context` outlives the transfer.
   void start(ZLVCurlContext& context);
@@ -56,6 +60,7 @@ class ZLVCurlTransfer {
   ZLVHTTPHop hop_;
   ZLVSendOnce sending_{false};
   ZLVCurlExchange::Manner manner_;
+  bool isAhead_ = false;
   std::optional<ZLVCurlExchange> exchange_;
   std::optional<ZLVURLAnswer> answer_;
 };

@@ -12,11 +12,14 @@ class ZLVServerQueue {
   /// So that the host keeps descriptors for itself. Calls that share a connection count as well.
   static constexpr std::size_t maximumUnderWay = 64;
 
+  /// A call's place among those that wait.
+  using Place = std::list<CURL*>::iterator;
+
   /// Where calls may share the connection of the first one, they wait until that has reached the
   /// server. libcurl itself (CURLOPT_PIPEWAIT) would let them hold up the calls to other servers.
   explicit ZLVServerQueue(bool mayShareConnections) : isReached_(!mayShareConnections) {}
 
-  void add(CURL* handle) { waiting_.push_back(handle); }
+  Place add(CURL* handle) { return waiting_.insert(waiting_.end(), handle); }
 
   /// Whether it is a call's turn.
   [[nodiscard]] bool hasNext() const {
@@ -25,13 +28,13 @@ class ZLVServerQueue {
 
   /// The call whose turn it is, under way from now on.
   CURL* takeNext() {
-    latest_ = waiting_.front();
+    CURL* next = waiting_.front();
     waiting_.pop_front();
     ++underWay_;
-    return latest_;
+    return next;
   }
 
-  void removeWaiting(CURL* handle) { waiting_.remove(handle); }
+  void removeWaiting(Place place) { waiting_.erase(place); }
   void removeUnderWay() {
     --underWay_;
     isReached_ = true;  // or never will be
@@ -40,14 +43,10 @@ class ZLVServerQueue {
   [[nodiscard]] bool isReached() const { return isReached_; }
   void noteReached() { isReached_ = true; }
 
-  /// While the server is not reached, the only call under way.
-  [[nodiscard]] CURL* first() const { return latest_; }
-
-  [[nodiscard]] bool isIdle() const { return underWay_ == 0; }
+  [[nodiscard]] bool isIdle() const { return underWay_ == 0 && waiting_.empty(); }
 
  private:
   bool isReached_;
-  CURL* latest_ = nullptr;
   std::size_t underWay_ = 0;
   std::list<CURL*> waiting_;
 };

@@ -14,8 +14,9 @@ class ZLVTrustStore {
  public:
   explicit ZLVTrustStore(std::optional<std::string> hostFile);
 
-  /// Finds the system's authorities and reads both files, unless that has succeeded before.
-  void read();
+  /// Finds the system's authorities and reads both files, unless that has succeeded before. Whether
+  /// it had to.
+  bool read();
 
   /// Whether the system's authorities stand in a file.
   [[nodiscard]] bool hasSystemFile() const { return hasSystemFile_; }

@@ -11,7 +11,7 @@ namespace {
 
 constexpr unsigned int parsing = CURLU_NON_SUPPORT_SCHEME | CURLU_PATH_AS_IS;
 
-using Handle = std::unique_ptr<CURLU, decltype(&curl_url_cleanup)>;
+using Handle = std::shared_ptr<CURLU>;
 
 Handle makeHandle(const std::string& text) {
   Handle handle(curl_url(), &curl_url_cleanup);
@@ -33,17 +33,19 @@ std::string lowerCase(std::string text) {
   return text;
 }
 
-ZLVWebURL taken(const Handle& handle, std::string text) {
-  return {std::move(text), lowerCase(part(handle, CURLUPART_SCHEME)),
-          lowerCase(part(handle, CURLUPART_HOST)), part(handle, CURLUPART_PORT)};
+ZLVWebURL taken(Handle handle, std::string text) {
+  ZLVWebURL url{std::move(text), lowerCase(part(handle, CURLUPART_SCHEME)),
+                lowerCase(part(handle, CURLUPART_HOST)), part(handle, CURLUPART_PORT)};
+  url.parts = std::move(handle);
+  return url;
 }
 
 }  // namespace
 
 std::optional<ZLVWebURL> ZLVWebURL::parsed(const std::string& text) {
-  const Handle handle = makeHandle(text);
+  auto handle = makeHandle(text);
   if (!handle) return std::nullopt;
-  return taken(handle, text);
+  return taken(std::move(handle), text);
 }
 
 std::optional<ZLVWebURL> ZLVWebURL::resolved(const std::string& location) const {

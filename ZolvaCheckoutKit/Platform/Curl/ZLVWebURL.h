@@ -1,7 +1,10 @@
 #pragma once
 
+#include <memory>
 #include <optional>
 #include <string>
+
+struct Curl_URL;
 
 /// A URL and its parts as libcurl itself takes it apart, so that what is decided by them holds for
 /// the request that it sends.
@@ -10,6 +13,8 @@ struct ZLVWebURL {
   std::string scheme = {};  ///< Lower case.
   std::string host = {};    ///< Lower case; IPv6 addresses in brackets.
   std::string port = {};    ///< The scheme's own where the text has none.
+  /// The same for libcurl, where it has been taken apart.
+  std::shared_ptr<Curl_URL> parts = {};
 
   /// Nothing when libcurl cannot read the URL; http and https are not the only schemes it reads.
   static std::optional<ZLVWebURL> parsed(const std::string& text);

@@ -1,5 +1,6 @@
 #include <netinet/in.h>
 #include <netinet/tcp.h>
+#include <poll.h>
 #include <pthread.h>
 #include <sys/eventfd.h>
 #include <sys/mman.h>
@@ -31,6 +32,17 @@ int ZLVCurlSystem::openSocket(int family, int type, int protocol,
     setsockopt(made, IPPROTO_TCP, TCP_USER_TIMEOUT, &milliseconds, sizeof milliseconds);
   }
   return made;
+}
+
+std::optional<std::array<int, 2>> ZLVCurlSystem::openPair() {
+  std::array<int, 2> ends{};
+  if (socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends.data()) != 0) return std::nullopt;
+  return ends;
+}
+
+bool ZLVCurlSystem::hasEnded(int socket) {
+  pollfd event{socket, POLLRDHUP, 0};
+  return poll(&event, 1, 0) != 0;
 }
 
 ZLVWakeSignal::~ZLVWakeSignal() {
