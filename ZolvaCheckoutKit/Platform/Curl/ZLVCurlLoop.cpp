@@ -6,6 +6,7 @@
 
 #include <pthread.h>
 
+#include <ZolvaCheckoutKit/Platform/Curl/ZLVCurlAuthorities.h>
 #include <ZolvaCheckoutKit/Platform/Curl/ZLVCurlCookies.h>
 #include <ZolvaCheckoutKit/Platform/Curl/ZLVCurlLifetime.h>
 #include <ZolvaCheckoutKit/Platform/Curl/ZLVCurlLoop.h>
@@ -153,6 +154,9 @@ void ZLVCurlLoop::goOn(std::unique_ptr<ZLVCurlTransfer> transfer) {
   if (transfer->isAnswered()) return transfer->complete();
   CURL* handle = transfer->handle();
   const bool mayShareConnections = transfer->server().scheme == "https";
+  if (mayShareConnections && authorities_ == Authorities::Unused) {
+    authorities_ = Authorities::Needed;
+  }
   const auto deadline = deadlines_.emplace(transfer->deadline(), handle);
   const auto queue =
       &*queues_.try_emplace(transfer->server().origin(), mayShareConnections).first;
@@ -238,6 +242,11 @@ void ZLVCurlLoop::runDue() {
     curl_easy_pause(handle, CURLPAUSE_CONT);
   }
   failIdle();
+  // While the first secure connection is under way.
+  if (authorities_ == Authorities::Needed) {
+    authorities_ = Authorities::Read;
+    ZLVCurlAuthorities::read(multi_, context_, [this] { drive(CURL_SOCKET_TIMEOUT); });
+  }
 }
 
 void ZLVCurlLoop::failIdle() {

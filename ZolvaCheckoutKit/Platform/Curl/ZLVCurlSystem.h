@@ -1,6 +1,5 @@
 #pragma once
 
-#include <array>
 #include <chrono>
 #include <optional>
 #include <set>
@@ -20,9 +19,6 @@ void nameThread(const char* name);
 /// that are being started. What is sent over TCP and not acknowledged for `acknowledgement` is
 /// lost, where the system can be told so. -1 and errno when there is no socket to be had.
 int openSocket(int family, int type, int protocol, std::chrono::milliseconds acknowledgement);
-
-/// As socketpair(2) of local streams, not inherited either. Nothing when there are none to be had.
-std::optional<std::array<int, 2>> openPair();
 
 /// Whether the other side of a connection has ended it, also behind what it has sent before.
 bool hasEnded(int socket);

@@ -34,12 +34,6 @@ int ZLVCurlSystem::openSocket(int family, int type, int protocol,
   return made;
 }
 
-std::optional<std::array<int, 2>> ZLVCurlSystem::openPair() {
-  std::array<int, 2> ends{};
-  if (socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends.data()) != 0) return std::nullopt;
-  return ends;
-}
-
 bool ZLVCurlSystem::hasEnded(int socket) {
   pollfd event{socket, POLLRDHUP, 0};
   return poll(&event, 1, 0) != 0;
