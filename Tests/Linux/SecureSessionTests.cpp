@@ -3,6 +3,7 @@
 #include <iterator>
 
 #include <gtest/gtest.h>
+#include <sys/socket.h>
 #include <unistd.h>
 
 #include "Tests/Linux/SessionFixture.h"
@@ -84,6 +85,40 @@ TEST_F(SecureSession, KeepsItsConnection) {
   RawServer closing([](auto&) { return Reply{RawServer::response(""), Then::Close}; }, context);
   for (int i = 0; i < 3; ++i) EXPECT_EQ(code(call(*session, request(closing.url()))), 0);
   EXPECT_EQ(SSL_CTX_sess_hits(context.get()), 2);
+}
+
+TEST_F(SecureSession, ConnectsAhead) {
+  const TLSIdentity identity({}, &authority_);
+  for (const bool isSecure : {false, true}) {
+    for (const bool isEnded : {false, true}) {
+      const auto context = identity.serverContext();
+      RawServer server(hello, isSecure ? context : nullptr);
+      auto options = trusting();
+      options.connectsAheadTo = server.url("/no/matter");
+      const auto session = makeSession(options);
+      const auto isThere = [&] {
+        return server.clients().size() == 1 && server.connections() == 1 &&
+               (!isSecure || SSL_CTX_sess_accept_good(context.get()) == 1);
+      };
+      while (!isThere()) std::this_thread::yield();
+      // A request for another server is answered after the connection is put by.
+      RawServer other(hello);
+      call(*session, request(other.url()));
+      EXPECT_TRUE(server.requests().empty());
+      // As if the server had, behind what it has said of its own.
+      if (isEnded) shutdown(server.clients().front(), SHUT_RD);
+      for (const char* method : {"POST", "GET"}) {
+        EXPECT_EQ(call(*session, request(server.url(), method)).data, "hello") << isSecure;
+      }
+      EXPECT_EQ(server.connections(), isEnded ? 2 : 1) << isSecure;
+      EXPECT_EQ(server.requests().size(), 2U);
+    }
+  }
+  // Where there is nobody, nothing comes of it.
+  auto options = trusting();
+  options.connectsAheadTo = "https://127.0.0.1:1/";
+  RawServer server(hello, identity.serverContext());
+  EXPECT_EQ(call(*makeSession(options), request(server.url())).data, "hello");
 }
 
 }  // namespace
