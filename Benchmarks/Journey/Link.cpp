@@ -125,6 +125,7 @@ void hurry() {
 }
 
 int run(const std::string& paths, const std::string& server, const std::string& client) {
+  prctl(PR_SET_PDEATHSIG, SIGTERM);
   prctl(PR_SET_CHILD_SUBREAPER, 1);
   sigset_t signals;
   sigemptyset(&signals);
@@ -156,9 +157,8 @@ int run(const std::string& paths, const std::string& server, const std::string& 
   }
   endDescendants();
   const auto& counts = relay.counts();
-  std::fprintf(stderr, "%zu packets carried, the latest %.2f ms too late; %zu lost, no room for %zu\n",
-               counts.carried, std::chrono::duration<double, std::milli>(counts.latest).count(),
-               counts.lost, counts.overflowed);
+  std::printf("%zu packets carried, %zu of them more than 1 ms late; %zu lost, no room for %zu\n",
+              counts.carried, counts.late, counts.lost, counts.overflowed);
   return WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
 }
 

@@ -64,7 +64,7 @@ void Relay::send() {
     const auto& packet = packets_.top();
     const auto delay = Clock::now() - packet.due;
     if (delay < Clock::duration::zero()) return;
-    counts_.latest = std::max(counts_.latest, std::chrono::nanoseconds(delay));
+    if (delay > std::chrono::milliseconds(1)) ++counts_.late;
     const auto sent = write(packet.to, packet.bytes.data(), packet.bytes.size());
     ++(sent < 0 ? counts_.overflowed : counts_.carried);
   }

@@ -24,7 +24,7 @@ class Relay {
     std::size_t carried = 0;
     std::size_t lost = 0;
     std::size_t overflowed = 0;  ///< Had no room.
-    std::chrono::nanoseconds latest{0};  ///< The most that a packet was carried too late.
+    std::size_t late = 0;        ///< Carried more than a millisecond too late.
   };
 
   /// A contender's servers have consecutive hosts, so many of them.
