@@ -9,8 +9,11 @@
 #include <stdexcept>
 #include <string>
 #include <thread>
+#include <utility>
 
 #include <unistd.h>
+
+#include <ZolvaCheckoutKit/Platform/Linux/ZLVLinuxPlatform.h>
 
 #include "Benchmarks/Comparison/Contender.h"
 
@@ -19,14 +22,20 @@ namespace {
 using Clock = std::chrono::steady_clock;
 
 std::unique_ptr<Contender> makeInstalledClient(const std::string& merchant,
-                                               const std::string& collector) {
-  installLibrary(libraryPlatform(collector), merchant);
+                                               const std::string& collector, bool connectsAhead) {
+  ZLVLinuxOptions options{.applicationName = "Benchmark",
+                          .applicationVersion = "1",
+                          .analyticsRootURL = collector + '/'};
+  if (connectsAhead) options.connectsAheadTo = merchant;
+  installLibrary(ZLVLinuxPlatform::platformWithOptions(std::move(options)), merchant);
   return makeClient();
 }
 
 std::unique_ptr<Contender> make(const std::string& name, const std::string& merchant,
                                 const std::string& collector) {
-  if (name.starts_with("library")) return makeInstalledClient(merchant, collector);
+  if (name.starts_with("library")) {
+    return makeInstalledClient(merchant, collector, name == "library-ahead");
+  }
   static const std::map<std::string, Make> peers{{"libsoup", &makeSoup}, {"qt", &makeQt}};
   return peers.at(name)();
 }
