@@ -52,6 +52,11 @@ void leaveSystem() {
     std::ofstream("/proc/self/gid_map") << "0 " + group + " 1";
   }
   check(mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0, "mount");
+  // A display server in a network of its own takes a number that may be another's outside, and
+  // would put its socket in the place of that one's.
+  const std::filesystem::path displays = "/tmp/.X11-unix";
+  std::filesystem::create_directories(displays);
+  check(mount("none", displays.c_str(), "tmpfs", 0, "mode=1777") == 0, "mount");
 }
 
 /// Enters a new network, whose only way out is the TUN device that is returned.
