@@ -20,6 +20,10 @@ function(zlv_library name component)
   target_compile_features(${name} PUBLIC cxx_std_20)
   if(WIN32 AND BUILD_SHARED_LIBS)
     target_compile_definitions(${name} PUBLIC ZLV_SHARED)  # see ZLVExport.h
+  elseif(NOT WIN32 AND NOT APPLE)
+    set(map ${PROJECT_SOURCE_DIR}/ZolvaCheckoutKit/exports.map)
+    target_link_options(${name} PRIVATE LINKER:--version-script=${map})
+    set_property(TARGET ${name} PROPERTY LINK_DEPENDS ${map})
   endif()
   # Until 1.0 every minor version may change the binary interface.
   set_target_properties(${name} PROPERTIES

@@ -5,7 +5,7 @@
 #include <ZolvaCheckoutKit/Platform/GTK/Internal/ZLVGTKDevice.h>
 #include <ZolvaCheckoutKit/Platform/GTK/Internal/ZLVGTKMainQueue.h>
 #include <ZolvaCheckoutKit/Platform/GTK/Internal/ZLVGTKUserInterface.h>
-#include <ZolvaCheckoutKit/Platform/GTK/Internal/ZLVLocalizedText.h>
+#include <ZolvaCheckoutKit/Platform/GTK/Internal/ZLVTranslations.h>
 #include <ZolvaCheckoutKit/Platform/GTK/Internal/ZLVWebSandbox.h>
 #include <ZolvaCheckoutKit/Platform/GTK/Internal/ZLVWindowViewController.h>
 #include <ZolvaCheckoutKit/Platform/GTK/ZLVGTKPlatform.h>
@@ -17,8 +17,7 @@ ZLVPlatform ZLVGTKPlatform::platformWithApplication(GtkApplication* application,
   if (application == nullptr) {
     throw ZLVProgrammingFault("ZLVGTKPlatform::platformWithApplication: no application");
   }
-  bindtextdomain(ZLVTextDomain, ZLV_LOCALE_DIRECTORY);
-  bind_textdomain_codeset(ZLVTextDomain, "UTF-8");
+  ZLVTranslations::bind();
 
   auto authorities = std::make_shared<ZLVCertificateAuthorities>(options.CAFile);
   auto platform = ZLVLinuxPlatform::platformWithOptions(std::move(options));
