@@ -118,4 +118,7 @@ zlv_package(tools zolvacheckoutkit-tools SECTION devel MULTI_ARCH foreign
 host for the terminal, and a doctor that holds a merchant's server to the
 contract.")
 
+foreach(component IN ITEMS RUNTIME GTK-RUNTIME)
+  set(CPACK_DEBIAN_${component}_PACKAGE_CONTROL_EXTRA ${packaging}/triggers)
+endforeach()
 include(CPack)
