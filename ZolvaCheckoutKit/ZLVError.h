@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -135,6 +136,19 @@ inline constexpr std::int64_t NSPropertyListReadCorruptError = 3840;
 
 }  // namespace ZLVFoundation
 
+/// A text of the library's own that says what went wrong, in English. "%s" in it stands for the
+/// argument, such as a server's name. Where it is shown, `ZLVPlatform::localizedText` translates
+/// it.
+struct ZLVErrorText {
+  /// Neither is copied; the text has to stay as long as the process.
+  constexpr explicit ZLVErrorText(const char* text, std::string_view name = {}) noexcept
+      : format(text), argument(name) {}
+  /// The text, in the form that there are translations for.
+  const char* format;
+  /// Stands in it as it is, in any language.
+  std::string_view argument;
+};
+
 /// A failure handed to a completion. An immutable value; copy it freely, read it on any thread.
 class ZLV_EXPORT ZLVError {
  public:
@@ -142,6 +156,9 @@ class ZLV_EXPORT ZLVError {
   /// answers with so. Texts are made UTF-8, as in any `ZLVValue`.
   static ZLVError errorWithDomain(std::string_view domain, std::int64_t code,
                                   ZLVDictionary userInfo);
+  /// The same with the text under `NSLocalizedDescriptionKey`, in English.
+  static ZLVError errorWithDomain(std::string_view domain, std::int64_t code, ZLVErrorText text,
+                                  ZLVDictionary userInfo = {});
 
   /// Which family of failures it is of; `ZLVErrorDomain` and its neighbours name the library's.
   [[nodiscard]] std::string domain() const;
@@ -152,13 +169,15 @@ class ZLV_EXPORT ZLVError {
   [[nodiscard]] ZLVDictionary userInfo() const&& { return userInfo(); }
 
   /// A text to show: the one in the user info (rendered as JSON where the server sent something
-  /// other than a text), or a generic one that names domain and code.
+  /// other than a text), or a generic one that names domain and code. What the library itself says
+  /// is in the user's language where the platform has it, see `ZLVPlatform::localizedText`; what
+  /// the server says, and the user info, stay as they are.
   [[nodiscard]] std::string localizedDescription() const;
   /// Why it failed, in the same form; empty when the server gave no reasons.
   [[nodiscard]] std::string localizedFailureReason() const;
-  /// Domain, code, description and user info in one line, for diagnostics; this is what is uploaded
-  /// with usage events. At most 4 KB, cut behind that; a URL stands in it without user name,
-  /// password, query and fragment.
+  /// Domain, code, description and user info in one line, in English, for diagnostics; this is what
+  /// is uploaded with usage events. At most 4 KB, cut behind that; a URL stands in it without user
+  /// name, password, query and fragment.
   [[nodiscard]] std::string debugDescription() const;
 
   /// Whether the server may have carried out the request although the call ended in this error:
@@ -177,14 +196,24 @@ class ZLV_EXPORT ZLVError {
   [[nodiscard]] bool requestMayHaveTakenEffect() const noexcept;
 
   /// Equal domain, code and user info.
-  friend bool operator==(const ZLVError&, const ZLVError&) = default;
+  friend bool operator==(const ZLVError& left, const ZLVError& right) {
+    return left.code_ == right.code_ && left.domain_ == right.domain_ &&
+           left.userInfo_ == right.userInfo_;
+  }
 
  private:
+  friend struct ZLVPlatform;
+  /// In the user's language, of a format; kept as long as the process.
+  using Translation = std::function<std::string(const char* format)>;
+  static void setTranslation(const Translation* translation) noexcept;
+
   ZLVError(std::string_view domain, std::int64_t code, ZLVDictionary userInfo);
 
   ZLVValue domain_;
   std::int64_t code_;
   ZLVValue userInfo_;
+  const char* format_ = nullptr;  // of the description, where it is the library's own
+  ZLVValue argument_;
 };
 
 /// A mistake in the program that uses the library, or an answer whose structure does not fit the

@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <ZolvaCheckoutKit/Core/Values/ZLVJSONSerialization.h>
+#include <ZolvaCheckoutKit/Testing/ZLVFakePlatform.h>
 #include <ZolvaCheckoutKit/ZLVError.h>
 
 TEST(Error, SaysWhetherTheRequestMayHaveTakenEffect) {
@@ -46,6 +48,59 @@ TEST(Error, Descriptions) {
             "Error Domain=com.zolva.checkoutkit Code=406 \"too\\nlong,\\r caf\uFFFD\" UserInfo="
             R"({"NSLocalizedDescription":"too\nlong,\r caf)"
             "\uFFFD\",\"NSLocalizedFailureReason\":null}");
+}
+
+TEST(Error, OnlyWhatTheLibrarySaysIsTranslatedAndOnlyWhereItIsShown) {
+  const auto text = [](ZLVErrorText words) {
+    return ZLVError::errorWithDomain(NSURLErrorDomain, NSURLErrorTimedOut, words);
+  };
+  const auto serverError = [](const ZLVValue& message) {
+    return ZLVError::errorWithDomain(ZLVErrorDomain, 406,
+                                     {{std::string(NSLocalizedDescriptionKey), message}});
+  };
+  const struct {
+    ZLVError error;
+    std::string english;
+    std::string shown;
+  } cases[] = {
+      {text(ZLVErrorText("%s is late.", "caf\xE9 %s")), "caf\uFFFD %s is late.",
+       "late: caf\uFFFD %s"},
+      {text(ZLVErrorText("No one.")), "No one.", "nobody "},  // nothing to stand there
+      {text(ZLVErrorText("Lost %s.", "it")), "Lost it.", "gone"},
+      {text(ZLVErrorText("Unknown %s.", "x")), "Unknown x.", "Unknown x."},
+      {std::get<ZLVError>(ZLVJSONSerialization::JSONObjectWithData("")), "The answer is empty.",
+       "empty!"},
+      {serverError("%s is late."), "%s is late.", "%s is late."},
+      {serverError("Request failed."), "Request failed.", "Request failed."},
+      {ZLVError::errorWithDomain(ZLVCheckoutErrorDomain, -1, {{"Error message", "url is null"}}),
+       "The operation couldn\u2019t be completed. (com.zolva.checkoutkit.checkout error -1.)",
+       "undone: com.zolva.checkoutkit.checkout error -1"}};
+  for (const auto& row : cases) EXPECT_EQ(row.error.localizedDescription(), row.english);
+
+  ZLVPlatform::install({.makeURLSession = [] { return nullptr; },
+                        .mainQueue = std::make_shared<ZLVFakeMainQueue>(),
+                        .systemLog = std::make_shared<ZLVFakeLog>(),
+                        .device = std::make_shared<ZLVFakeDevice>(),
+                        .userInterface = std::make_shared<ZLVFakeUserInterface>(),
+                        .analyticsRootURL = std::nullopt,
+                        .localizedText = [](std::string english) -> std::string {
+                          static const std::map<std::string, std::string, std::less<>> translations{
+                              {"%s is late.", "late: %s"},
+                              {"No one.", "nobody %s"},
+                              {"Lost %s.", "gone"},
+                              {"The answer is empty.", "empty!"},
+                              {"Request failed.", "failed!"},
+                              {"The operation couldn\u2019t be completed. (%s.)", "undone: %s"}};
+                          const auto found = translations.find(english);
+                          return found == translations.end() ? english : found->second;
+                        }});
+  for (const auto& row : cases) {
+    EXPECT_EQ(row.error.localizedDescription(), row.shown);
+    // What is logged, uploaded and compared knows nothing of languages.
+    EXPECT_NE(row.error.debugDescription().find(" \"" + row.english), std::string::npos);
+    EXPECT_EQ(row.error, ZLVError::errorWithDomain(row.error.domain(), row.error.code(),
+                                                   row.error.userInfo()));
+  }
 }
 
 TEST(Error, DiagnosisIsShortAndKeepsSecrets) {

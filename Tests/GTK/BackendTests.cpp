@@ -101,14 +101,33 @@ TEST(Device, KnowsScreenAndLanguages) {
 }
 
 TEST(Translations, AreFoundByLanguage) {
-  const std::pair<const char*, const char*> texts[] = {
-      {"ar_EG", "إغلاق"},  {"de_AT", "Schließen"}, {"es_MX", "Cerrar"}, {"fr_CA", "Fermer"},
-      {"ja_JP", "閉じる"}, {"pt_BR", "Fechar"},    {"zh_CN", "关闭"},   {"xx", "Close"}};
-  bindtextdomain("ZolvaCheckoutKit", ZLV_LOCALES);
-  for (const auto& [language, text] : texts) {
+  // What the bar says, and the beginning of what an error says.
+  const std::string english = "Could not connect to 127.0.0.1.";
+  const std::tuple<const char*, const char*, std::string> texts[] = {
+      {"ar_EG", "إغلاق", "تعذّر الاتصال بـ \u2066127.0.0.1\u2069."},
+      {"de_AT", "Schließen", "Zu 127.0.0.1 konnte keine Verbindung hergestellt werden."},
+      {"es_MX", "Cerrar", "No se pudo conectar con 127.0.0.1."},
+      {"fr_CA", "Fermer", "Impossible de se connecter à 127.0.0.1."},
+      {"ja_JP", "閉じる", "127.0.0.1 に接続できませんでした。"},
+      {"pt_BR", "Fechar", "Não foi possível ligar a 127.0.0.1."},
+      {"zh_CN", "关闭", "无法连接到 127.0.0.1。"},
+      {"xx", "Close", english}};
+  Host host;
+  ZLVURLRequest request;
+  request.URL = ZLVURL::URLWithString("http://127.0.0.1:1/");
+  request.HTTPMethod = "GET";
+  std::promise<ZLVError> failed;
+  const auto session = ZLVPlatform::installed().makeURLSession();
+  session->dataTask(std::move(request),
+                    [&](const ZLVURLAnswer& answer) { failed.set_value(answer.error.value()); });
+  const auto error = failed.get_future().get();
+  for (const auto& [language, close, refused] : texts) {
     g_setenv("LANGUAGE", language, TRUE);
     std::setlocale(LC_ALL, "");  // forgets what was found before
-    EXPECT_STREQ(g_dgettext("ZolvaCheckoutKit", "Close"), text) << language;
+    EXPECT_STREQ(g_dgettext("ZolvaCheckoutKit", "Close"), close) << language;
+    EXPECT_TRUE(error.localizedDescription().starts_with(refused)) << error.localizedDescription();
+    EXPECT_NE(error.debugDescription().find('"' + english), std::string::npos) << language;
+    EXPECT_TRUE(error.userInfo()[NSLocalizedDescriptionKey].text()->starts_with(english));
   }
 }
 

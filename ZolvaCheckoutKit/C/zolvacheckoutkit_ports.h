@@ -26,22 +26,22 @@ typedef struct zlv_text zlv_text;
 
 /// An HTTP request. It and all it points at stay valid until its task is answered or released.
 typedef struct zlv_request {
-  size_t size;
-  const char* method;  ///< "GET" or "POST".
-  const char* url;     ///< http or https; to be sent as it is written.
-  size_t header_count;
+  size_t size;                       ///< Of this struct, in bytes.
+  const char* method;                ///< "GET" or "POST".
+  const char* url;                   ///< http or https; to be sent as it is written.
+  size_t header_count;               ///< How many there are.
   const char* const* header_names;   ///< `header_count` texts, each name once, in no order.
   const char* const* header_values;  ///< `header_count` texts.
   const void* body;                  ///< NULL is no body; a POST then has one of length zero.
-  size_t body_length;
+  size_t body_length;                ///< In bytes.
   double timeout;  ///< Seconds without any progress, connecting included; then answer TIMED_OUT.
 } zlv_request;
 
 /// What came of a request: a status code and a body or, where `error_domain` is not NULL, an error.
 typedef struct zlv_answer {
-  size_t size;
-  const void* body;  ///< The content as it is after any Content-Encoding; NULL is an empty one.
-  size_t body_length;
+  size_t size;         ///< Of this struct, in bytes.
+  const void* body;    ///< The content as it is after any Content-Encoding; NULL is an empty one.
+  size_t body_length;  ///< In bytes.
   const char* error_domain;     ///< ZLV_URL_ERROR_DOMAIN, or the host's own.
   const char* error_user_info;  ///< A JSON object for the error, such as its description; or NULL.
   int64_t error_code;           ///< In ZLV_URL_ERROR_DOMAIN one of the codes below.
@@ -70,7 +70,7 @@ enum {
 
 /// A page to show.
 typedef struct zlv_page_request {
-  size_t size;
+  size_t size;                   ///< Of this struct, in bytes.
   zlv_page* page;                ///< The handle to close it with.
   void* host_view;               ///< What the host gave to zlv_view_create: show it over this.
   const char* url;               ///< http or https.
@@ -103,7 +103,7 @@ enum {
 
 /// Everything that the library asks of the machine that it runs on.
 typedef struct zlv_platform {
-  size_t size;
+  size_t size;  ///< Of this struct, in bytes.
 
   /// Passed to every function below, and to nothing else; must stay valid until the process ends.
   void* context;

@@ -29,6 +29,7 @@ void ZLVPlatform::install(ZLVPlatform platform) {
   if (!installedPlatform.compare_exchange_strong(none, kept.get())) {
     throw ZLVProgrammingFault("ZLVPlatform::install: a platform is installed already");
   }
+  if (kept->localizedText) ZLVError::setTranslation(&kept->localizedText);
   static_cast<void>(kept.release());
 }
 

@@ -40,6 +40,12 @@ struct ZLV_EXPORT ZLVPlatform {
   /// for an account with 10,000 payment options; more would hold up the main thread, on which the
   /// records are made.
   std::size_t maximumDecodedSize = std::size_t{32} * 1024 * 1024;
+  /// Gives what the library itself says of an error in the user's language, as
+  /// `ZLVError::localizedDescription` shows it; log lines, usage events and user info stay English.
+  /// Called on any thread, each time, with an English text in which "%s" may stand for a name; "%s"
+  /// stands for it in what is returned, too. A text that it does not know it returns as it is.
+  /// Absent: all of them stay as they are.
+  std::function<std::string(const char* text)> localizedText = {};
 
   /// Gives the library its platform, which it keeps until the process ends. Once, on the main
   /// thread, before anything else. Throws `ZLVProgrammingFault` when a part is missing or a

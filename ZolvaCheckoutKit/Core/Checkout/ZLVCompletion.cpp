@@ -8,9 +8,8 @@
 namespace {
 
 ZLVError abandonedError() {
-  return ZLVError::errorWithDomain(
-      NSURLErrorDomain, NSURLErrorCancelled,
-      {{std::string(NSLocalizedDescriptionKey), "The call ended before it was answered."}});
+  return ZLVError::errorWithDomain(NSURLErrorDomain, NSURLErrorCancelled,
+                                   ZLVErrorText("The call ended before it was answered."));
 }
 
 void recordAndAnswer(ZLVCompletion::Handler handler, std::string_view errorEvent, ZLVError error) {

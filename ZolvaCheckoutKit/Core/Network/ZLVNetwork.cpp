@@ -85,9 +85,9 @@ ZLVURLAnswer badURLAnswer() {
   ZLVURLAnswer answer;
   answer.error = ZLVError::errorWithDomain(
       NSURLErrorDomain, NSURLErrorBadURL,
-      {{std::string(NSLocalizedDescriptionKey),
-        "The address of the call is not a valid URL. Check the configured server URL and the "
-        "account id."}});
+      ZLVErrorText(
+          "The address of the call is not a valid URL. Check the configured server URL and "
+          "the account id."));
   return answer;
 }
 

@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <atomic>
 #include <utility>
 
 #include <ZolvaCheckoutKit/Core/Values/ZLVJSONSerialization.h>
@@ -43,7 +44,31 @@ std::string shown(std::string_view URL) {
   return text;
 }
 
+/// What is said of an error that says nothing itself.
+constexpr auto generic = ZLVErrorText("The operation couldn\u2019t be completed. (%s.)");
+
+std::string filledIn(std::string format, std::string_view argument) {
+  if (const auto place = format.find("%s"); place != std::string::npos) {
+    format.replace(place, 2, argument);
+  }
+  return format;
+}
+
+/// The error by its domain and code.
+std::string name(const ZLVError& error) {
+  return error.domain() + " error " + std::to_string(error.code());
+}
+
+std::atomic<const std::function<std::string(const char*)>*> translation{nullptr};
+
+std::string localized(const char* format) {
+  const auto* translate = translation.load();
+  return translate == nullptr ? format : (*translate)(format);
+}
+
 }  // namespace
+
+void ZLVError::setTranslation(const Translation* value) noexcept { translation = value; }
 
 ZLVError::ZLVError(std::string_view domain, std::int64_t code, ZLVDictionary userInfo)
     : domain_(domain), code_(code), userInfo_(std::move(userInfo)) {}
@@ -55,13 +80,22 @@ ZLVError ZLVError::errorWithDomain(std::string_view domain, std::int64_t code,
 
 std::string ZLVError::domain() const { return domain_.description(); }
 
+ZLVError ZLVError::errorWithDomain(std::string_view domain, std::int64_t code, ZLVErrorText text,
+                                   ZLVDictionary userInfo) {
+  userInfo.set(NSLocalizedDescriptionKey, filledIn(text.format, text.argument));
+  ZLVError error(domain, code, std::move(userInfo));
+  error.format_ = text.format;
+  error.argument_ = text.argument;
+  return error;
+}
+
 const ZLVDictionary& ZLVError::userInfo() const& noexcept { return *userInfo_.dictionary(); }
 
 std::string ZLVError::localizedDescription() const {
   const auto& description = userInfo()[NSLocalizedDescriptionKey];
+  if (format_ != nullptr) return filledIn(localized(format_), *argument_.text());
   if (!description.isAbsent()) return description.description();
-  return "The operation couldn\u2019t be completed. (" + domain() + " error " +
-         std::to_string(code_) + ".)";
+  return filledIn(localized(generic.format), name(*this));
 }
 
 std::string ZLVError::localizedFailureReason() const {
@@ -78,7 +112,8 @@ std::string ZLVError::debugDescription() const {
   const auto text = ZLVStringWithFormat(
       "Error Domain=%@ Code=%@ \"%@\" UserInfo=%@",
       {domain(), std::to_string(code_),
-       message.isAbsent() ? localizedDescription() : beginning(message), beginning(info)});
+       message.isAbsent() ? filledIn(generic.format, name(*this)) : beginning(message),
+       beginning(info)});
   auto line = ZLVOneLine(std::string_view(text).substr(0, lookedAt));
   if (line.size() <= maximumDiagnosisSize) return line;
   line.resize(ZLVBeginning(line, maximumDiagnosisSize - cutMark.size()).size());

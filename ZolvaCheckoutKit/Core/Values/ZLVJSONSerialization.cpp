@@ -143,11 +143,8 @@ class ValueBuilder {
   std::string text_;
 };
 
-ZLVError readingError(std::string_view description,
-                      std::int64_t code = NSPropertyListReadCorruptError,
-                      std::string_view domain = NSCocoaErrorDomain) {
-  return ZLVError::errorWithDomain(
-      domain, code, ZLVDictionary{{std::string(NSLocalizedDescriptionKey), description}});
+ZLVError readingError(ZLVErrorText text) {
+  return ZLVError::errorWithDomain(NSCocoaErrorDomain, NSPropertyListReadCorruptError, text);
 }
 
 /// Whether the character may not stand in JSON text as it is. Hardly any text has one.
@@ -236,7 +233,7 @@ std::variant<ZLVValue, ZLVError> ZLVJSONSerialization::JSONObjectWithData(
     std::string_view data, std::size_t maximumSize) try {
   std::size_t offset = 0;
   if (data.starts_with(byteOrderMark)) offset = byteOrderMark.size();
-  if (data.size() == offset) return readingError("The answer is empty.");
+  if (data.size() == offset) return readingError(ZLVErrorText("The answer is empty."));
 
   json::parse_options options;
   options.max_depth = maximumDepth;
@@ -246,14 +243,16 @@ std::variant<ZLVValue, ZLVError> ZLVJSONSerialization::JSONObjectWithData(
   if (!error && offset < data.size()) error = json::error::extra_data;
   if (!error) return parser.handler().takeValue();
   if (error == tooLarge) {
-    return readingError("The answer is larger than allowed once it is decoded.",
-                        NSURLErrorDataLengthExceedsMaximum, NSURLErrorDomain);
+    return ZLVError::errorWithDomain(
+        NSURLErrorDomain, NSURLErrorDataLengthExceedsMaximum,
+        ZLVErrorText("The answer is larger than allowed once it is decoded."));
   }
-  return readingError("The answer is not valid JSON: " + error.message() + " at byte " +
-                      std::to_string(offset) + ".");
+  return readingError(ZLVErrorText("The answer is not valid JSON: %s.",
+                                   error.message() + " at byte " + std::to_string(offset)));
 } catch (const std::bad_alloc&) {
-  return readingError("There is not enough memory to decode the answer.",
-                      NSURLErrorResourceUnavailable, NSURLErrorDomain);
+  return ZLVError::errorWithDomain(
+      NSURLErrorDomain, NSURLErrorResourceUnavailable,
+      ZLVErrorText("There is not enough memory to decode the answer."));
 }
 
 std::optional<std::string> ZLVJSONSerialization::dataWithJSONObject(const ZLVValue& value,
@@ -265,10 +264,9 @@ std::optional<std::string> ZLVJSONSerialization::dataWithJSONObject(const ZLVVal
 }
 
 ZLVError ZLVJSONSerialization::notAnObjectError() {
-  return readingError("The answer is not a JSON object.");
+  return readingError(ZLVErrorText("The answer is not a JSON object."));
 }
 
 ZLVError ZLVJSONSerialization::misfitError(std::string_view misfit) {
-  return readingError("The answer does not have the expected structure: " + std::string(misfit) +
-                      ".");
+  return readingError(ZLVErrorText("The answer does not have the expected structure: %s.", misfit));
 }

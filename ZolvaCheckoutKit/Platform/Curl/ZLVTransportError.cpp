@@ -9,56 +9,60 @@
 
 namespace {
 
+/// Marks a text for the translators.
+constexpr const char* N_(const char* text) { return text; }
+
 struct Description {
   NSURLError code;
-  std::string_view text;  // % stands for the server
+  const char* text;  // %s stands for the server
 };
 
 /// Where a server redirected the request. The others hold there as well.
 constexpr auto descriptionsWhenSent = std::to_array<Description>({
-    {NSURLErrorCannotConnectToHost,
-     "The request was redirected to %, which could not be reached. It may have been carried out "
-     "all the same."},
+    {NSURLErrorCannotConnectToHost, N_("The request was redirected to %s, which could not be "
+                                       "reached. It may have been carried out all the same.")},
     {NSURLErrorAppTransportSecurityRequiresSecureConnection,
-     "The request was redirected to %, and not sent there, because the connection would not be "
-     "encrypted. It may have been carried out all the same."},
+     N_("The request was redirected to %s, and not sent there, because the connection would not be "
+        "encrypted. It may have been carried out all the same.")},
 });
 
 constexpr auto descriptions = std::to_array<Description>({
-    {NSURLErrorCancelled, "The call was cancelled."},
-    {NSURLErrorBadURL, "The request cannot be sent: its URL, method or a header is malformed."},
-    {NSURLErrorTimedOut, "% did not answer in time. Try again later."},
-    {NSURLErrorUnsupportedURL, "The URL is neither http nor https."},
-    {NSURLErrorCannotFindHost, "% was not found. Check the address and the network connection."},
+    {NSURLErrorCancelled, N_("The call was cancelled.")},
+    {NSURLErrorBadURL, N_("The request cannot be sent: its URL, method or a header is malformed.")},
+    {NSURLErrorTimedOut, N_("%s did not answer in time. Try again later.")},
+    {NSURLErrorUnsupportedURL, N_("The URL is neither http nor https.")},
+    {NSURLErrorCannotFindHost,
+     N_("%s was not found. Check the address and the network connection.")},
     {NSURLErrorCannotConnectToHost,
-     "Could not connect to %. Check that it is running and can be reached from here."},
+     N_("Could not connect to %s. Check that it is running and can be reached from here.")},
     {NSURLErrorNetworkConnectionLost,
-     "The connection to % was lost before its answer was complete. It may have carried out the "
-     "request all the same."},
-    {NSURLErrorHTTPTooManyRedirects, "% redirected the request too many times."},
-    {NSURLErrorResourceUnavailable, "There is not enough memory for the call to %."},
-    {NSURLErrorNotConnectedToInternet, "% cannot be reached: there is no network connection."},
+     N_("The connection to %s was lost before its answer was complete. It may have carried out the "
+        "request all the same.")},
+    {NSURLErrorHTTPTooManyRedirects, N_("%s redirected the request too many times.")},
+    {NSURLErrorResourceUnavailable, N_("There is not enough memory for the call to %s.")},
+    {NSURLErrorNotConnectedToInternet, N_("%s cannot be reached: there is no network connection.")},
     {NSURLErrorRedirectToNonExistentLocation,
-     "% redirected the request to something that is no URL."},
-    {NSURLErrorBadServerResponse, "What % answered is not HTTP. Check the address and port."},
-    {NSURLErrorCannotDecodeRawData, "The compressed answer of % is damaged."},
-    {NSURLErrorCannotDecodeContentData, "The answer of % is compressed in an unknown way."},
+     N_("%s redirected the request to something that is no URL.")},
+    {NSURLErrorBadServerResponse, N_("What %s answered is not HTTP. Check the address and port.")},
+    {NSURLErrorCannotDecodeRawData, N_("The compressed answer of %s is damaged.")},
+    {NSURLErrorCannotDecodeContentData, N_("The answer of %s is compressed in an unknown way.")},
     {NSURLErrorAppTransportSecurityRequiresSecureConnection,
-     "Nothing was sent to %, because the connection would not be encrypted. Use an https URL."},
-    {NSURLErrorDataLengthExceedsMaximum, "The answer of % is larger than allowed."},
-    {NSURLErrorSecureConnectionFailed, "A secure connection to % could not be made."},
+     N_("Nothing was sent to %s, because the connection would not be encrypted. Use an https "
+        "URL.")},
+    {NSURLErrorDataLengthExceedsMaximum, N_("The answer of %s is larger than allowed.")},
+    {NSURLErrorSecureConnectionFailed, N_("A secure connection to %s could not be made.")},
     {NSURLErrorServerCertificateHasBadDate,
-     "The certificate of % has expired. Check this machine's clock, or have the certificate "
-     "renewed."},
-    {NSURLErrorServerCertificateUntrusted,
-     "The certificate of % is not valid: it is self-signed, revoked or made out to another name."},
+     N_("The certificate of %s has expired. Check this machine's clock, or have the certificate "
+        "renewed.")},
+    {NSURLErrorServerCertificateUntrusted, N_("The certificate of %s is not valid: it is "
+                                              "self-signed, revoked or made out to another name.")},
     {NSURLErrorServerCertificateHasUnknownRoot,
-     "The certificate of % is from an authority that is not trusted here. If the authority is your "
-     "own, give its certificate as the CA file."},
+     N_("The certificate of %s is from an authority that is not trusted here. If the authority is "
+        "your own, give its certificate as the CA file.")},
     {NSURLErrorServerCertificateNotYetValid,
-     "The certificate of % is not valid yet. Check this machine's clock."},
-    {NSURLErrorClientCertificateRejected, "% demands a client certificate."},
-    {NSURLErrorUnknown, "The call to % failed."},
+     N_("The certificate of %s is not valid yet. Check this machine's clock.")},
+    {NSURLErrorClientCertificateRejected, N_("%s demands a client certificate.")},
+    {NSURLErrorUnknown, N_("The call to %s failed.")},
 });
 
 /// What libcurl reports, with a detail of it or with any; the first that fits counts.
@@ -141,17 +145,12 @@ long detail(CURLcode result, CURL* transfer) {
   }
 }
 
-std::string description(NSURLError code, const std::string& URL, bool wasSent) {
+const char* textFor(NSURLError code, bool wasSent) {
   const auto* found = std::ranges::find(descriptionsWhenSent, code, &Description::code);
   if (!wasSent || found == descriptionsWhenSent.end()) {
     found = std::ranges::find(descriptions, code, &Description::code);
   }
-  std::string text(found->text);
-  if (const auto mark = text.find('%'); mark != std::string_view::npos) {
-    const auto url = ZLVWebURL::parsed(URL);
-    text.replace(mark, 1, url ? url->host : "the server");
-  }
-  return text;
+  return found->text;
 }
 
 }  // namespace
@@ -159,11 +158,13 @@ std::string description(NSURLError code, const std::string& URL, bool wasSent) {
 ZLVError ZLVTransportError::error(NSURLError code, const std::string& URL, bool wasSent,
                                   const std::string& underlying) {
   ZLVDictionary userInfo{
-      {std::string(NSLocalizedDescriptionKey), description(code, URL, wasSent)},
       {std::string(NSURLErrorFailingURLStringErrorKey), ZLVWebURL::withoutCredentials(URL)}};
   if (!underlying.empty()) userInfo.set(NSUnderlyingErrorKey, underlying);
   if (wasSent) userInfo.set(ZLVErrorRequestWasSentKey, true);
-  return ZLVError::errorWithDomain(NSURLErrorDomain, code, std::move(userInfo));
+  const auto url = ZLVWebURL::parsed(URL);
+  const std::string server = url ? url->host : "the server";
+  return ZLVError::errorWithDomain(
+      NSURLErrorDomain, code, ZLVErrorText(textFor(code, wasSent), server), std::move(userInfo));
 }
 
 NSURLError ZLVTransportError::code(CURLcode result, CURL* transfer, std::string_view message) {

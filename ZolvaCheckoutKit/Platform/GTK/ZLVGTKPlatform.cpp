@@ -28,6 +28,7 @@ ZLVPlatform ZLVGTKPlatform::platformWithApplication(GtkApplication* application,
       std::shared_ptr<const ZLVGTKBrowser::Environment>(new ZLVGTKBrowser::Environment{
           ZLVWeakGObject<GtkApplication>(application), platform.mainQueue, std::move(authorities)}),
       std::move(handlers.openURL));
+  platform.localizedText = [](const char* text) { return std::string(ZLVLocalized(text)); };
   return platform;
 }
 
