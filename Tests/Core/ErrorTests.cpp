@@ -1,3 +1,8 @@
+#include <fstream>
+#include <map>
+#include <regex>
+#include <set>
+
 #include <gtest/gtest.h>
 
 #include <ZolvaCheckoutKit/Core/Values/ZLVJSONSerialization.h>
@@ -32,6 +37,39 @@ TEST(Error, SaysWhetherTheRequestMayHaveTakenEffect) {
       EXPECT_EQ(later.requestMayHaveTakenEffect(), mayHave || domain == NSURLErrorDomain);
     }
   }
+}
+
+TEST(Error, TheGuideHasEveryCodeAndSaysWhetherItMayHaveHappened) {
+  std::ifstream guide(ZLV_SOURCES "/Docs/guides/errors.md");
+  std::ifstream header(ZLV_SOURCES "/ZolvaCheckoutKit/ZLVError.h");
+  const std::map<std::string, std::string_view> domains{
+      {"ZLVErrorDomain", ZLVErrorDomain},
+      {"ZLVCheckoutErrorDomain", ZLVCheckoutErrorDomain},
+      {"NSURLErrorDomain", NSURLErrorDomain},
+      {"NSCocoaErrorDomain", NSCocoaErrorDomain}};
+  const std::map<std::string, std::vector<std::int64_t>> ranges{
+      {"400 to 499", {400, 499}}, {"any other", {0, 200, 302, 399, 500, 599}}};
+  const std::regex row("\\| `(\\w+)` \\| ([^|]+) \\| [^|]+ \\| (yes|no) \\| [^|]+ \\|");
+  std::set<std::string> told;
+  std::smatch cells;
+  for (std::string line; std::getline(guide, line);) {
+    if (!std::regex_match(line, cells, row)) continue;
+    if (cells[1] == "NSURLErrorDomain") told.insert(cells[2]);
+    const auto range = ranges.find(cells[2]);
+    const auto codes =
+        range == ranges.end() ? std::vector<std::int64_t>{std::stoll(cells[2])} : range->second;
+    for (const auto code : codes) {
+      const auto error = ZLVError::errorWithDomain(domains.at(cells[1]), code, {});
+      EXPECT_EQ(error.requestMayHaveTakenEffect(), cells[3] == "yes") << line;
+    }
+  }
+  std::set<std::string> known;
+  for (std::string line; std::getline(header, line);) {
+    if (std::regex_match(line, cells, std::regex("  NSURLError\\w+ = (-\\d+),")))
+      known.insert(cells[1]);
+  }
+  EXPECT_FALSE(known.empty());
+  EXPECT_EQ(told, known);
 }
 
 TEST(Error, Descriptions) {
