@@ -48,6 +48,7 @@ ZLVWebPage::ZLVWebPage(std::shared_ptr<ZLVCertificateAuthorities> authorities, E
                                    policy_.pressArrived(isInOwnFrame);
                                    events_.pressed();
                                  }}),
+      dialogs_(view_.get()),
       refusals_(view_.get(), [this] {
         if (hasPage_) events_.fileRefused();
       }) {
@@ -96,8 +97,8 @@ void ZLVWebPage::connectLoading() {
   });
   // Handled, or the engine would show a page of its own.
   signals_.connect(view, "load-failed",
-                   [this](WebKitWebView*, WebKitLoadEvent, const char* url, GError* error) {
-                     loadFailed(url, *error);
+                   [this](WebKitWebView*, WebKitLoadEvent event, const char* url, GError* error) {
+                     loadFailed(event, url, *error);
                      return TRUE;
                    });
   signals_.connect(view, "load-failed-with-tls-errors",
@@ -130,7 +131,7 @@ void ZLVWebPage::connectPolicies() {
                    });
   signals_.connect(view, "script-dialog",
                    [this](WebKitWebView*, WebKitScriptDialog* dialog) -> gboolean {
-                     events_.dialogOpened(ZLVScriptDialog(dialog));
+                     if (dialogs_.isOwn(dialog)) events_.dialogOpened(ZLVScriptDialog(dialog));
                      return TRUE;
                    });
   // The engine's own dialog takes keys even while nothing of its page can be seen.
@@ -171,10 +172,10 @@ void ZLVWebPage::fail(ZLVProblem::Kind kind, std::string url, std::string detail
                   .detail = std::move(detail)});
 }
 
-void ZLVWebPage::loadFailed(const char* url, const GError& error) const {
+void ZLVWebPage::loadFailed(WebKitLoadEvent reached, const char* url, const GError& error) const {
   if (g_error_matches(&error, WEBKIT_NETWORK_ERROR, WEBKIT_NETWORK_ERROR_CANCELLED) != FALSE) {
-    // Without a login something else is loaded instead.
-    if (!login_) return;
+    // Without a login something else is loaded instead, or it was an image that wanted it.
+    if (!login_ || reached == WEBKIT_LOAD_COMMITTED) return;
     auto problem = *login_;
     problem.URL = url;
     return events_.failed(problem);
@@ -189,6 +190,11 @@ void ZLVWebPage::loadFailed(const char* url, const GError& error) const {
 }
 
 void ZLVWebPage::askedToLogIn(WebKitAuthenticationRequest* request) {
+  // Without the certificate that a server asks for, it decides itself whether it goes on.
+  if (webkit_authentication_request_get_scheme(request) ==
+      WEBKIT_AUTHENTICATION_SCHEME_CLIENT_CERTIFICATE_REQUESTED) {
+    return webkit_authentication_request_authenticate(request, nullptr);
+  }
   const bool isProxy = webkit_authentication_request_is_for_proxy(request) != FALSE;
   login_ = {.kind = isProxy ? ZLVProblem::Kind::ProxyLogin : ZLVProblem::Kind::Login,
             .host = webkit_authentication_request_get_host(request)};

@@ -8,6 +8,7 @@
 #include <webkit/webkit.h>
 
 #include <ZolvaCheckoutKit/Platform/GTK/Internal/ZLVCertificateAuthorities.h>
+#include <ZolvaCheckoutKit/Platform/GTK/Internal/ZLVDialogWatch.h>
 #include <ZolvaCheckoutKit/Platform/GTK/Internal/ZLVGObject.h>
 #include <ZolvaCheckoutKit/Platform/GTK/Internal/ZLVNavigationPolicy.h>
 #include <ZolvaCheckoutKit/Platform/GTK/Internal/ZLVPressWatch.h>
@@ -78,7 +79,7 @@ class ZLVWebPage {
   void committed();
   void fail(ZLVProblem::Kind kind, std::string url, std::string detail = {},
             GTlsCertificateFlags flags = {}) const;
-  void loadFailed(const char* url, const GError& error) const;
+  void loadFailed(WebKitLoadEvent reached, const char* url, const GError& error) const;
   void askedToLogIn(WebKitAuthenticationRequest* request);
   void certificateFailed(const char* url, GTlsCertificate* certificate, GTlsCertificateFlags flags);
   /// Whether it may go on.
@@ -107,6 +108,7 @@ class ZLVWebPage {
   /// The certificate that the authorities last vouched for.
   ZLVGObject<GTlsCertificate> vouched_;
   ZLVPressWatch presses_;
+  ZLVDialogWatch dialogs_;
   ZLVRefusals refusals_;
   ZLVSignals signals_;
 };

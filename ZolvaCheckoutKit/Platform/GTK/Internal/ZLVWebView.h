@@ -10,6 +10,11 @@ namespace ZLVWebView {
 /// Of our own scripts: a page's neither see what is in it nor can send its messages.
 inline constexpr const char* scriptWorld = "ZolvaCheckoutKit";
 
+/// For our own scripts: whether the frame, and each that it is in, is of the page's own origin. One
+/// that hides its origin ("null") is of nobody's.
+inline constexpr const char* isOwnFrame =
+    "Array.from(location.ancestorOrigins).every(each => each === origin && origin !== 'null')";
+
 /// A view on `session` with everything off that such a page has no need of.
 ZLVGObject<WebKitWebView> make(WebKitNetworkSession* session);
 
