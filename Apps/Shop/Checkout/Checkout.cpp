@@ -68,31 +68,27 @@ std::vector<std::shared_ptr<ZLVItemDetails>> itemDetails(const std::vector<Baske
 
 }  // namespace
 
-/// Makes the completion of a call: it ends the call, whatever came of it, and goes on from there.
-/// Of a call that nobody waits for any more, a failure has been reported.
+/// Makes the completion of a call: it ends the wait for it, whatever came of it, and goes on from
+/// there. Of a call that nobody waits for any more, a failure has been reported.
 template <class Record>
 ZLVCompletionHandler<Record> Checkout::begin(const char* call, const char* activity,
                                              std::function<void(const Record&)> success,
                                              Failure failure) {
-  failure_ = failure;
+  waited_.emplace(++lastCall_, std::move(failure));
   if (events_.busy) events_.busy(activity);
-  return [this, call, number = ++lastCall_, success = std::move(success),
-          failure = std::move(failure)](auto record, auto error) {
+  return [this, call, number = lastCall_, success = std::move(success)](auto record, auto error) {
     g_debug("%s completed: %s", call, error ? error->debugDescription().c_str() : "no error");
-    if (number == lastCall_) end();
+    const auto wait = waited_.extract(number);
+    if (wait && waited_.empty() && events_.busy) events_.busy(nullptr);
     if (!error) return success(*record);
-    if (number > lastGivenUp_) failure(*error);
+    if (wait) wait.mapped()(*error);
   };
 }
 
-Checkout::Failure Checkout::end() {
-  if (events_.busy) events_.busy(nullptr);
-  return std::exchange(failure_, {});
-}
-
 void Checkout::stopWaiting() {
-  lastGivenUp_ = lastCall_;
-  if (const auto failed = end()) {
+  const auto given = std::exchange(waited_, {});
+  if (events_.busy) events_.busy(nullptr);
+  for (const auto& [number, failed] : given) {
     failed(ZLVError::errorWithDomain(NSURLErrorDomain, NSURLErrorTimedOut, {}));
   }
 }
@@ -146,7 +142,10 @@ void Checkout::setAccount(const std::string& accountID, const ZLVAccountInfo& in
 
 void Checkout::refresh() {
   if (!account_) return;
-  const auto read = [this, id = account_->id](const auto& info) { setAccount(id, info); };
+  // It may have been unlinked by the time of a late answer.
+  const auto read = [this, id = account_->id](const auto& info) {
+    if (account_ && account_->id == id) setAccount(id, info);
+  };
   enquire("Fetching your balance…", account_->id, read, report([this] { refresh(); }));
 }
 

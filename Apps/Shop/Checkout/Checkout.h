@@ -1,6 +1,7 @@
 #pragma once
 
 #include <functional>
+#include <map>
 #include <memory>
 #include <optional>
 #include <string>
@@ -20,7 +21,8 @@ struct LinkedAccount {
 };
 
 /// Everything the shop asks of the library: links a wallet, pays orders from it and finds out what
-/// became of them. The customer waits for one call at a time; main thread only.
+/// became of them. The customer begins nothing while there is a call to wait for, but what is found
+/// out late may lead to one; main thread only.
 class Checkout {
  public:
   /// How the checkout reports; each may be empty.
@@ -56,19 +58,17 @@ class Checkout {
   /// Tries again as before, under the id that the order has.
   void payAgain(Order& order) { charge(order); }
 
-  /// Ends the wait for the call under way as if it had timed out. An answer that comes after all
+  /// Ends the wait for all calls under way as if they had timed out. An answer that comes after all
   /// still counts when it is good.
   void stopWaiting();
 
  private:
-  /// What to do when the call under way fails.
+  /// What to do when a call fails.
   using Failure = std::function<void(const ZLVError& error)>;
 
   template <class Record>
   ZLVCompletionHandler<Record> begin(const char* call, const char* activity,
                                      std::function<void(const Record&)> success, Failure failure);
-  /// Ends the wait and returns what was to be done about a failure.
-  Failure end();
   /// Tells of a failed call that is about the linked account.
   Failure report(std::function<void()> retry);
 
@@ -88,8 +88,7 @@ class Checkout {
   std::shared_ptr<ZLVViewController> viewController_;
   std::optional<LinkedAccount> account_;
   std::string phone_;
-  // Calls are counted from 1. The customer waits for the last one; this is how that fails.
   unsigned lastCall_ = 0;
-  unsigned lastGivenUp_ = 0;
-  Failure failure_;
+  /// The calls that the customer waits for, by number, and what to do when one fails.
+  std::map<unsigned, Failure> waited_;
 };

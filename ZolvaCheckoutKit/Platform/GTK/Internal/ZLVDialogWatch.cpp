@@ -49,7 +49,7 @@ ZLVDialogWatch::ZLVDialogWatch(WebKitWebView* view) {
 
 bool ZLVDialogWatch::isOwn(WebKitScriptDialog* dialog) {
   // It has no words of the page's, and leads where the user wanted.
-  const bool isOurs = webkit_script_dialog_get_dialog_type(dialog) ==
-                      WEBKIT_SCRIPT_DIALOG_BEFORE_UNLOAD_CONFIRM;
+  const bool isOurs =
+      webkit_script_dialog_get_dialog_type(dialog) == WEBKIT_SCRIPT_DIALOG_BEFORE_UNLOAD_CONFIRM;
   return isOurs || std::exchange(isAnnounced_, false);
 }

@@ -7,8 +7,8 @@ namespace {
 
 constexpr const char* message = "press";
 
-/// One press makes several events, each of a higher rank than the one before, and a click on a label
-/// makes one more, of the same moment, on what the label is for.
+/// One press makes several events, each of a higher rank than the one before, and a click on a
+/// label makes one more, of the same moment, on what the label is for.
 constexpr const char* source = R"js((() => {
   const ranks = {touchstart: 0, mousedown: 1, keydown: 1, click: 2};
   let last = 2, moment;
@@ -40,8 +40,8 @@ ZLVPressWatch::ZLVPressWatch(WebKitWebView* view, Events events) {
   auto* const manager = webkit_web_view_get_user_content_manager(view);
   const ZLVGText text(g_strdup_printf(source, ZLVWebView::isOwnFrame));
   WebKitUserScript* const script = webkit_user_script_new_for_world(
-      text.get(), WEBKIT_USER_CONTENT_INJECT_ALL_FRAMES, WEBKIT_USER_SCRIPT_INJECT_AT_DOCUMENT_START,
-      ZLVWebView::scriptWorld, nullptr, nullptr);
+      text.get(), WEBKIT_USER_CONTENT_INJECT_ALL_FRAMES,
+      WEBKIT_USER_SCRIPT_INJECT_AT_DOCUMENT_START, ZLVWebView::scriptWorld, nullptr, nullptr);
   webkit_user_content_manager_add_script(manager, script);
   webkit_user_script_unref(script);
   signals_.connect(
