@@ -5,6 +5,7 @@
 #include <ZolvaCheckoutKit/Platform/GTK/Internal/ZLVGTKDevice.h>
 #include <ZolvaCheckoutKit/Platform/GTK/Internal/ZLVGTKMainQueue.h>
 #include <ZolvaCheckoutKit/Platform/GTK/Internal/ZLVGTKUserInterface.h>
+#include <ZolvaCheckoutKit/Platform/GTK/Internal/ZLVLocalizedText.h>
 #include <ZolvaCheckoutKit/Platform/GTK/Internal/ZLVTranslations.h>
 #include <ZolvaCheckoutKit/Platform/GTK/Internal/ZLVWebSandbox.h>
 #include <ZolvaCheckoutKit/Platform/GTK/Internal/ZLVWindowViewController.h>
