@@ -140,7 +140,7 @@ TEST(Load, TenThousandCallsAnswerOnce) {
   EXPECT_EQ(std::ranges::count(answers, 1), static_cast<std::ptrdiff_t>(calls));
   EXPECT_EQ(failed, calls / 2);
   EXPECT_EQ(servers.requests(), calls) << "some were sent twice, or never";
-  EXPECT_TRUE(queue->runUntilIdle(std::chrono::milliseconds(0)));
+  EXPECT_TRUE(queue->runUntilIdle(std::chrono::minutes(1)));
 }
 
 }  // namespace

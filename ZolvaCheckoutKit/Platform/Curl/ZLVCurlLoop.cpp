@@ -278,18 +278,14 @@ void ZLVCurlLoop::sleep() {
     const std::lock_guard lock(mutex_);
     if (!wake_.isOpen()) {
       wake_.open();
-      if (wake_.isOpen()) readiness.watch(wake_.descriptor(), ZLVReadiness::Read);
+      if (wake_.isOpen()) readiness.watch(wake_.descriptor(), ZLVReadiness::Read | ZLVReadiness::Once);
     }
     isAsleep_ = added_.empty() && end_ == End::None;
     if (!isAsleep_) time = {};
   }
   readiness.wait(time);
   while (const auto ready = readiness.next()) {
-    if (ready->descriptor == wake_.descriptor()) {
-      wake_.clear();
-    } else {
-      drive(ready->descriptor, ready->events);
-    }
+    if (ready->descriptor != wake_.descriptor()) drive(ready->descriptor, ready->events);
   }
 }
 

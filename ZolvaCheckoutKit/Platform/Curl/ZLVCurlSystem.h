@@ -29,7 +29,8 @@ bool hasEnded(int socket);
 /// Used on one thread.
 class ZLVReadiness {
  public:
-  enum Event : unsigned { Read = 1, Write = 2 };
+  /// With `Once` an event is told when it comes, and not again while it lasts.
+  enum Event : unsigned { Read = 1, Write = 2, Once = 4 };
   struct Ready {
     int descriptor;
     unsigned events;  ///< None where that is not known: it has to be tried.
@@ -91,12 +92,12 @@ class ZLVWakeSignal {
   void open();
   [[nodiscard]] bool isOpen() const { return readEnd_ >= 0; }
 
-  /// Readable from `set` until `clear`; -1 while it is not open.
+  /// Becomes readable, again, with each `set`, for who watches it for `Once`; -1 while it is not
+  /// open.
   [[nodiscard]] int descriptor() const { return readEnd_; }
 
   /// Once it is open, on any thread, also on several at once.
   void set() const;
-  void clear() const;
 
  private:
   int readEnd_ = -1;

@@ -72,13 +72,19 @@ void ZLVLinuxMainQueue::wait(int milliseconds) const {
 }
 
 void ZLVLinuxMainQueue::drain() {
-  std::size_t count = 1;  // a look at an empty queue takes its signal back
+  std::size_t count = 0;
   {
     const std::lock_guard lock(mutex_);
-    count = std::max(count, blocks_.size());
+    count = blocks_.size();
   }
-  while (count-- > 0 && runNext()) {
-  }
+  while (count-- > 0) runNext();
+  const std::lock_guard lock(mutex_);
+  if (blocks_.empty()) takeSignalBack();
+}
+
+void ZLVLinuxMainQueue::takeSignalBack() const {
+  eventfd_t ignored = 0;
+  eventfd_read(fileDescriptor_, &ignored);
 }
 
 bool ZLVLinuxMainQueue::runNext() {
@@ -87,12 +93,12 @@ bool ZLVLinuxMainQueue::runNext() {
   {
     const std::lock_guard lock(mutex_);
     isEmpty = blocks_.empty();
-    if (!isEmpty) {
+    if (isEmpty) {
+      takeSignalBack();  // once for all that have run
+    } else {
       block = std::move(blocks_.front());
       blocks_.pop_front();
     }
-    eventfd_t ignored = 0;
-    if (blocks_.empty()) eventfd_read(fileDescriptor_, &ignored);
   }
   std::move(block)();
   return !isEmpty;

@@ -53,6 +53,8 @@ class ZLV_EXPORT ZLVLinuxMainQueue final : public ZLVMainQueue {
  private:
   /// Runs the first block; false when there is none.
   bool runNext();
+  /// The descriptor is not readable until the next signal. Under the lock, for an empty queue.
+  void takeSignalBack() const;
   /// Waits for a block; for ever with a negative limit.
   void wait(int milliseconds) const;
 

@@ -49,11 +49,6 @@ void ZLVWakeSignal::open() {
 
 void ZLVWakeSignal::set() const { eventfd_write(writeEnd_, 1); }
 
-void ZLVWakeSignal::clear() const {
-  eventfd_t count = 0;
-  eventfd_read(readEnd_, &count);
-}
-
 ZLVMemoryFile::ZLVMemoryFile(std::string_view contents)
     : descriptor_(memfd_create("certificate authorities", MFD_CLOEXEC)) {
   if (descriptor_ >= 0 && writeAll(descriptor_, contents)) {

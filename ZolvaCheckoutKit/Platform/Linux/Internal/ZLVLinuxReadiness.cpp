@@ -15,7 +15,8 @@ constexpr std::chrono::milliseconds often(100);
 
 constexpr std::uint32_t systemEvents(unsigned events) {
   return ((events & ZLVReadiness::Read) != 0 ? EPOLLIN : 0U) |
-         ((events & ZLVReadiness::Write) != 0 ? EPOLLOUT : 0U);
+         ((events & ZLVReadiness::Write) != 0 ? EPOLLOUT : 0U) |
+         ((events & ZLVReadiness::Once) != 0 ? EPOLLET : 0U);
 }
 
 /// An error or an end is for whoever reads or writes next.
