@@ -88,14 +88,18 @@ double peakResidentKilobytes() {
 
 CallCost makeCalls(Contender& contender, const std::string& server, int calls, int inFlight,
                    int before) {
+  return makeCalls(contender, std::vector{server}, calls, inFlight, before);
+}
+
+CallCost makeCalls(Contender& contender, const std::vector<std::string>& servers, int calls,
+                   int inFlight, int before) {
   using Clock = std::chrono::steady_clock;
   int started = 0;
   int ended = 0;
   double CPUSeconds = processSeconds();
   auto begin = Clock::now();
   const auto start = [&] {
-    ++started;
-    contender.start(server);
+    contender.start(servers[static_cast<std::size_t>(started++) % servers.size()]);
   };
   contender.done = [&](const Record& record) {
     if (record->accountStatus().text() != "ENABLED") throw std::runtime_error("another account");

@@ -35,3 +35,6 @@ struct CallCost {
 /// each record.
 CallCost makeCalls(Contender& contender, const std::string& server, int calls, int inFlight,
                    int before = 0);
+/// The same to several servers in turn.
+CallCost makeCalls(Contender& contender, const std::vector<std::string>& servers, int calls,
+                   int inFlight, int before = 0);

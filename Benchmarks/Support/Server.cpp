@@ -7,6 +7,7 @@
 #include <cstdlib>
 #include <system_error>
 #include <unordered_map>
+#include <unordered_set>
 
 #include <netinet/in.h>
 #include <netinet/tcp.h>
@@ -40,20 +41,9 @@ std::size_t requestSize(std::string_view text) {
 
 class Server {
  public:
-  explicit Server(const Answers& answers)
-      : answers_(answers),
-        epoll_(checked(epoll_create1(0), "epoll_create1")),
-        listener_(checked(socket(AF_INET, SOCK_STREAM, 0), "socket")) {
-    sockaddr_in address{};
-    address.sin_family = AF_INET;
-    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    socklen_t size = sizeof address;
-    auto* const name = static_cast<sockaddr*>(static_cast<void*>(&address));
-    checked(bind(listener_, name, size), "bind");
-    checked(listen(listener_, SOMAXCONN), "listen");
-    checked(getsockname(listener_, name, &size), "getsockname");
-    port_ = ntohs(address.sin_port);
-    watch(listener_);
+  Server(const Answers& answers, int hosts)
+      : answers_(answers), epoll_(checked(epoll_create1(0), "epoll_create1")) {
+    for (int host = 0; host < hosts; ++host) listen(INADDR_LOOPBACK + static_cast<in_addr_t>(host));
   }
 
   [[nodiscard]] int port() const { return port_; }
@@ -63,8 +53,8 @@ class Server {
       const int count = epoll_wait(epoll_, events.data(), events.size(), -1);
       for (int i = 0; i < count; ++i) {
         const int ready = events[static_cast<std::size_t>(i)].data.fd;
-        if (ready == listener_) {
-          accept();
+        if (listeners_.contains(ready)) {
+          accept(ready);
         } else if (const auto then = serve(ready); then != Answer::Then::Keep) {
           hangUp(ready, then);
         }
@@ -73,6 +63,22 @@ class Server {
   }
 
  private:
+  void listen(in_addr_t host) {
+    const int listener = checked(socket(AF_INET, SOCK_STREAM, 0), "socket");
+    sockaddr_in address{};
+    address.sin_family = AF_INET;
+    address.sin_addr.s_addr = htonl(host);
+    address.sin_port = htons(static_cast<in_port_t>(port_));
+    socklen_t size = sizeof address;
+    auto* const name = static_cast<sockaddr*>(static_cast<void*>(&address));
+    checked(bind(listener, name, size), "bind");
+    checked(::listen(listener, SOMAXCONN), "listen");
+    checked(getsockname(listener, name, &size), "getsockname");
+    port_ = ntohs(address.sin_port);
+    listeners_.insert(listener);
+    watch(listener);
+  }
+
   void watch(int descriptor) const {
     epoll_event event{};
     event.events = EPOLLIN;
@@ -80,8 +86,8 @@ class Server {
     checked(epoll_ctl(epoll_, EPOLL_CTL_ADD, descriptor, &event), "epoll_ctl");
   }
 
-  void accept() const {
-    const int client = checked(::accept(listener_, nullptr, nullptr), "accept");
+  void accept(int listener) const {
+    const int client = checked(::accept(listener, nullptr, nullptr), "accept");
     const int yes = 1;
     setsockopt(client, IPPROTO_TCP, TCP_NODELAY, &yes, sizeof yes);
     watch(client);
@@ -112,15 +118,15 @@ class Server {
 
   const Answers& answers_;
   int epoll_;
-  int listener_;
+  std::unordered_set<int> listeners_;
   int port_ = 0;
   std::unordered_map<int, std::string> inputs_;  // not yet answered
 };
 
 }  // namespace
 
-void serveHTTP(const Answers& answers, const TellPort& tellPort) {
-  Server server(answers);
+void serveHTTP(const Answers& answers, const TellPort& tellPort, int hosts) {
+  Server server(answers, hosts);
   tellPort(server.port());
   server.run();
 }

@@ -42,8 +42,8 @@ struct Answer {
 using Answers = std::function<Answer()>;
 
 /// A small, fast HTTP/1.1 server on 127.0.0.1: one thread, epoll, connections kept alive, no
-/// pipelining. Never returns.
-void serveHTTP(const Answers& answers, const TellPort& tellPort);
+/// pipelining. Never returns. With more than one host it has the same port of 127.0.0.2 and so on.
+void serveHTTP(const Answers& answers, const TellPort& tellPort, int hosts = 1);
 
 /// A whole answer of status 200.
 std::string response(std::string_view body);

@@ -13,6 +13,9 @@
 
 namespace {
 
+/// So many connections are kept at least.
+constexpr long fewestKept = ZLVServerQueue::maximumUnderWay;
+
 /// How soon the thread looks for work while it cannot be woken.
 constexpr std::chrono::milliseconds often(100);
 
@@ -127,10 +130,17 @@ void ZLVCurlLoop::tearDown() {
 }
 
 void ZLVCurlLoop::keepConnections() {
-  // By itself libcurl keeps four times as many as there are calls, and not always the latest.
-  const long wanted = std::max(underWay_, static_cast<long>(ZLVServerQueue::maximumUnderWay));
-  if (std::exchange(keptConnections_, wanted) == wanted) return;
-  curl_multi_setopt(multi_, CURLMOPT_MAXCONNECTS, wanted);
+  // By itself libcurl keeps four times as many as there are calls, and not always the latest. Those
+  // of calls that have just ended are for those that come next.
+  const auto before = keptConnections_;
+  keptConnections_ = std::max(keptConnections_, fewestKept);
+  if (underWay_ > keptConnections_) keptConnections_ *= 2;
+  if (underWay_ < keptConnections_ / 4) {
+    keptConnections_ = std::max(keptConnections_ / 2, fewestKept);
+  }
+  if (keptConnections_ != before) {
+    curl_multi_setopt(multi_, CURLMOPT_MAXCONNECTS, keptConnections_);
+  }
 }
 
 ZLVCurlLoop::End ZLVCurlLoop::takeAdded() {
