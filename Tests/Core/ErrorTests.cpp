@@ -121,7 +121,7 @@ TEST(Error, OnlyWhatTheLibrarySaysIsTranslatedAndOnlyWhereItIsShown) {
                         .device = std::make_shared<ZLVFakeDevice>(),
                         .userInterface = std::make_shared<ZLVFakeUserInterface>(),
                         .analyticsRootURL = std::nullopt,
-                        .localizedText = [](std::string english) -> std::string {
+                        .localizedText = [](const char* english) -> std::string {
                           static const std::map<std::string, std::string, std::less<>> translations{
                               {"%s is late.", "late: %s"},
                               {"No one.", "nobody %s"},

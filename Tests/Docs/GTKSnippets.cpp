@@ -1,5 +1,7 @@
 // The same for hosts with windows.
 
+#include <gtk/gtk.h>
+
 #include <ZolvaCheckoutKit/Platform/GTK/ZLVGTKPlatform.h>
 
 void host(GtkApplication* application, GtkWindow* gtkWindow) {

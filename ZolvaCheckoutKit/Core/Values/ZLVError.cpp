@@ -59,16 +59,18 @@ std::string name(const ZLVError& error) {
   return error.domain() + " error " + std::to_string(error.code());
 }
 
-std::atomic<const std::function<std::string(const char*)>*> translation{nullptr};
+std::atomic<const std::function<std::string(const char*)>*> installedTranslation{nullptr};
 
 std::string localized(const char* format) {
-  const auto* translate = translation.load();
+  const auto* translate = installedTranslation.load();
   return translate == nullptr ? format : (*translate)(format);
 }
 
 }  // namespace
 
-void ZLVError::setTranslation(const Translation* value) noexcept { translation = value; }
+void ZLVError::setTranslation(const Translation* translation) noexcept {
+  installedTranslation = translation;
+}
 
 ZLVError::ZLVError(std::string_view domain, std::int64_t code, ZLVDictionary userInfo)
     : domain_(domain), code_(code), userInfo_(std::move(userInfo)) {}
