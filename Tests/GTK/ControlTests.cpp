@@ -38,9 +38,12 @@ TEST(Controls, AreReachedByTabBothWays) {
         std::string focus;
         EXPECT_TRUE(waitFor([&] { return (focus = focusOf(host)) == place; }))
             << place << ", not " << focus;
+        EXPECT_TRUE(gtk_window_get_focus_visible(host.window)) << place;
       }
     };
-    walk({"A", "Close", "127.0.0.1", "Back (Alt+Left)", "Reload (F5)", "BODY", "INPUT"});
+    pressKeys("Tab");
+    ASSERT_TRUE(waitFor([&] { return focusOf(host) == "A"; }));
+    walk({"Close", "127.0.0.1", "Back (Alt+Left)", "Reload (F5)", "BODY", "INPUT"});
     holdKey("shift", true);
     walk({"Reload (F5)", "Back (Alt+Left)", "127.0.0.1", "Close", "BODY", "A", "INPUT"});
     holdKey("shift", false);

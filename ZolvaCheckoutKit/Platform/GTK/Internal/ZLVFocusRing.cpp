@@ -13,6 +13,8 @@ gboolean moveAsBox(GtkWidget* ring, GtkDirectionType direction) {
 }
 
 gboolean moveFocus(GtkWidget* ring, GtkDirectionType direction) noexcept {
+  // A page that passes the focus on does not say, as the toolkit does, that it is to be seen.
+  gtk_window_set_focus_visible(GTK_WINDOW(gtk_widget_get_root(ring)), TRUE);
   if (moveAsBox(ring, direction) != FALSE) return TRUE;
   if (direction != GTK_DIR_TAB_FORWARD && direction != GTK_DIR_TAB_BACKWARD) return FALSE;
   // Each widget remembers where the focus was, and would go on from there.
