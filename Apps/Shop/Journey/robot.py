@@ -54,8 +54,9 @@ class Robot:
         program = pathlib.Path(program).resolve()
         environment = self._environment(program.parent / "share")
         self.errors = open(self.output / "errors.txt", "wb")
+        # A number of its own: the first that is free may be taken in another network namespace.
         display = self._announced(
-            ["Xvfb", "-displayfd", "{fd}", "-r", "-screen", "0", "%dx%dx24" % self.size,
+            ["Xvfb", f":{os.getpid() % 50000 + 100}", "-displayfd", "{fd}", "-r", "-screen", "0", "%dx%dx24" % self.size,
              "-nolisten", "tcp", "-noreset"], environment)
         environment["DISPLAY"] = ":" + display
         environment["DBUS_SESSION_BUS_ADDRESS"] = self._announced(
