@@ -16,7 +16,7 @@ using Rows = std::vector<Row>;
 /// Where to call, and how often each measurement is taken.
 struct Run {
   std::string server;
-  std::string neighbour;  ///< A server for clients that stay on one processor with it.
+  std::string neighbour;             ///< A server for clients that stay on one processor with it.
   std::vector<std::string> servers;  ///< As many as take 10,000 calls at once.
   int rounds;
 };

@@ -126,15 +126,14 @@ TEST(Load, TenThousandCallsAnswerOnce) {
     const auto service = ZLVNetworkService::initWithBaseURL(
         servers.url(i), "/", mustFail ? ZLVHTTPMethodPost : ZLVHTTPMethodGet, {},
         ZLVServiceTypeMerchant);
-    ZLVNetwork::shared().request(
-        service, [&, i, mustFail, main = std::this_thread::get_id()](const ZLVValue&,
-                                                                     const auto& error) {
-          EXPECT_EQ(std::this_thread::get_id(), main);
-          EXPECT_EQ(error.has_value(), mustFail);
-          ++answers[i];
-          failed += error ? 1 : 0;
-          if (++answered == calls) queue->stop();
-        });
+    ZLVNetwork::shared().request(service, [&, i, mustFail, main = std::this_thread::get_id()](
+                                              const ZLVValue&, const auto& error) {
+      EXPECT_EQ(std::this_thread::get_id(), main);
+      EXPECT_EQ(error.has_value(), mustFail);
+      ++answers[i];
+      failed += error ? 1 : 0;
+      if (++answered == calls) queue->stop();
+    });
   }
   queue->run();
   EXPECT_EQ(std::ranges::count(answers, 1), static_cast<std::ptrdiff_t>(calls));

@@ -53,7 +53,8 @@ void ZLVCurlAuthorities::read(CURLM* multi, ZLVCurlContext& context,
   set(CURLOPT_PROXY, "");
   set(CURLOPT_CONNECT_ONLY, 1L);
   set(CURLOPT_NOPROGRESS, 1L);
-  set(CURLOPT_OPENSOCKETFUNCTION,
+  set(
+      CURLOPT_OPENSOCKETFUNCTION,
       +[](void*, curlsocktype, curl_sockaddr*) -> curl_socket_t { return Nobody::open(); });
   if (curl_multi_add_handle(multi, handle.get()) != CURLM_OK) return;
   drive();  // connects

@@ -20,6 +20,6 @@ struct ZLVCurlContext {
   ZLVReadiness readiness;
   ZLVCurlSockets sockets{readiness};
   ZLVCurlHandles handles;
-  CURLSH* share = nullptr;   ///< Cookies and TLS sessions.
-  std::vector<CURL*> sent;   ///< Whose request has gone out, since the loop looked.
+  CURLSH* share = nullptr;  ///< Cookies and TLS sessions.
+  std::vector<CURL*> sent;  ///< Whose request has gone out, since the loop looked.
 };

@@ -33,7 +33,7 @@ void setServer(ZLVCurlHandle& handle, const ZLVWebURL& url, CURLSH* share) {
   // The host stands in the header twice.
   const bool takesCookies = url.text.size() + url.host.size() <= maximumURLSizeWithCookies;
   handle.set(CURLOPT_SHARE, takesCookies ? share : nullptr);
-  if (!takesCookies) handle.useOnce();  // it has cookies of its own then
+  if (!takesCookies) handle.useOnce();                         // it has cookies of its own then
   handle.set(CURLOPT_PROXY, url.isLoopback() ? "" : nullptr);  // null is the environment's
 }
 
@@ -57,8 +57,7 @@ void setRequest(ZLVCurlHandle& handle, const ZLVHTTPHop& hop) {
 }  // namespace
 
 void ZLVCurlHopOptions::set(ZLVCurlHandle& handle, const ZLVHTTPHop& hop,
-                            const ZLVCurlContext& context,
-                            ZLVIdleLimit::Clock::duration idle) {
+                            const ZLVCurlContext& context, ZLVIdleLimit::Clock::duration idle) {
   handle.set(CURLOPT_CONNECTTIMEOUT_MS, timeToConnect(idle));
   setServer(handle, hop.url, context.share);
   setRequest(handle, hop);

@@ -61,11 +61,9 @@ void ZLVCurlLoop::end(End how) {
 struct ZLVCurlLoop::Callbacks {
   static int watch(CURL* /*handle*/, curl_socket_t socket, int what, void* self, void* /*own*/) {
     auto& context = static_cast<ZLVCurlLoop*>(self)->context_;
-    constexpr unsigned events[] = {0, ZLVReadiness::Read, ZLVReadiness::Write,
-                                   ZLVReadiness::Read | ZLVReadiness::Write};
-    static_assert(CURL_POLL_IN == 1 && CURL_POLL_OUT == 2 && CURL_POLL_INOUT == 3);
+    static_assert(CURL_POLL_IN == ZLVReadiness::Read && CURL_POLL_OUT == ZLVReadiness::Write);
     if (what != CURL_POLL_REMOVE) {
-      context.readiness.watch(socket, events[what]);
+      context.readiness.watch(socket, static_cast<unsigned>(what));
     } else if (context.sockets.has(socket)) {
       context.readiness.rest(socket);  // most often the next call wants the same of it
     } else {
@@ -86,8 +84,8 @@ void ZLVCurlLoop::run() {
   blockSignals();
   ZLVCurlSystem::nameThread("zlv-http");
   setUp();
-  End end = takeAdded();
-  for (; end == End::None; end = takeAdded()) {
+  End end = End::None;
+  while ((end = takeAdded()) == End::None) {
     runDue();
     sleep();
   }
@@ -108,11 +106,7 @@ void ZLVCurlLoop::setUp() {
   curl_share_setopt(context_.share, CURLSHOPT_SHARE, CURL_LOCK_DATA_SSL_SESSION);
   keepConnections();
   readTrust();
-  if (const auto& URL = context_.options.connectsAheadTo) {
-    auto ahead = ZLVCurlTransfer::ahead(*URL);
-    ahead->start(context_);
-    goOn(std::move(ahead));
-  }
+  if (const auto& URL = context_.options.connectsAheadTo) begin(ZLVCurlTransfer::ahead(*URL));
 }
 
 void ZLVCurlLoop::readTrust() {
@@ -133,14 +127,11 @@ void ZLVCurlLoop::keepConnections() {
   // By itself libcurl keeps four times as many as there are calls, and not always the latest. Those
   // of calls that have just ended are for those that come next.
   const auto before = keptConnections_;
-  keptConnections_ = std::max(keptConnections_, fewestKept);
   if (underWay_ > keptConnections_) keptConnections_ *= 2;
-  if (underWay_ < keptConnections_ / 4) {
-    keptConnections_ = std::max(keptConnections_ / 2, fewestKept);
-  }
-  if (keptConnections_ != before) {
-    curl_multi_setopt(multi_, CURLMOPT_MAXCONNECTS, keptConnections_);
-  }
+  if (underWay_ < keptConnections_ / 4) keptConnections_ /= 2;
+  keptConnections_ = std::max(keptConnections_, fewestKept);
+  if (keptConnections_ == before) return;
+  curl_multi_setopt(multi_, CURLMOPT_MAXCONNECTS, keptConnections_);
 }
 
 ZLVCurlLoop::End ZLVCurlLoop::takeAdded() {
@@ -152,12 +143,14 @@ ZLVCurlLoop::End ZLVCurlLoop::takeAdded() {
     if (end != End::Abandon) taken_.swap(added_);
   }
   if (!taken_.empty()) readTrust();
-  for (auto& transfer : taken_) {
-    transfer->start(context_);
-    goOn(std::move(transfer));
-  }
+  for (auto& transfer : taken_) begin(std::move(transfer));
   taken_.clear();
   return end;
+}
+
+void ZLVCurlLoop::begin(std::unique_ptr<ZLVCurlTransfer> transfer) {
+  transfer->start(context_);
+  goOn(std::move(transfer));
 }
 
 void ZLVCurlLoop::goOn(std::unique_ptr<ZLVCurlTransfer> transfer) {
@@ -168,8 +161,7 @@ void ZLVCurlLoop::goOn(std::unique_ptr<ZLVCurlTransfer> transfer) {
     authorities_ = Authorities::Needed;
   }
   const auto deadline = deadlines_.emplace(transfer->deadline(), handle);
-  const auto queue =
-      &*queues_.try_emplace(transfer->server().origin(), mayShareConnections).first;
+  const auto queue = &*queues_.try_emplace(transfer->server().origin(), mayShareConnections).first;
   calls_.emplace(handle, Call{std::move(transfer), queue, deadline, queue->second.add(handle)});
   sendWaiting(queue);
 }
@@ -205,10 +197,9 @@ ZLVCurlLoop::Call ZLVCurlLoop::release(CURL* handle) {
 }
 
 void ZLVCurlLoop::drive(curl_socket_t socket, unsigned events) {
-  const int what = ((events & ZLVReadiness::Read) != 0 ? CURL_CSELECT_IN : 0) |
-                   ((events & ZLVReadiness::Write) != 0 ? CURL_CSELECT_OUT : 0);
+  static_assert(CURL_CSELECT_IN == ZLVReadiness::Read && CURL_CSELECT_OUT == ZLVReadiness::Write);
   int running = 0;
-  curl_multi_socket_action(multi_, socket, what, &running);
+  curl_multi_socket_action(multi_, socket, static_cast<int>(events), &running);
 }
 
 void ZLVCurlLoop::noteSent() {
@@ -252,7 +243,7 @@ void ZLVCurlLoop::runDue() {
     curl_easy_pause(handle, CURLPAUSE_CONT);
   }
   failIdle();
-  // While the first secure connection is under way.
+  // While the first secure connection is made.
   if (authorities_ == Authorities::Needed) {
     authorities_ = Authorities::Read;
     ZLVCurlAuthorities::read(multi_, context_, [this] { drive(CURL_SOCKET_TIMEOUT); });
@@ -286,9 +277,8 @@ void ZLVCurlLoop::sleep() {
   auto time = timeToSleep();
   {
     const std::lock_guard lock(mutex_);
-    if (!wake_.isOpen()) {
-      wake_.open();
-      if (wake_.isOpen()) readiness.watch(wake_.descriptor(), ZLVReadiness::Read | ZLVReadiness::Once);
+    if (!wake_.isOpen() && wake_.open()) {
+      readiness.watch(wake_.descriptor(), ZLVReadiness::Read | ZLVReadiness::Once);
     }
     isAsleep_ = added_.empty() && end_ == End::None;
     if (!isAsleep_) time = {};

@@ -65,6 +65,7 @@ class ZLVCurlLoop {
   void keepConnections();
   /// Starts what other threads have added and tells how the loop is to end.
   End takeAdded();
+  void begin(std::unique_ptr<ZLVCurlTransfer> transfer);
   /// Keeps the transfer until its turn, or completes it.
   void goOn(std::unique_ptr<ZLVCurlTransfer> transfer);
   /// Gives the transfers to libcurl whose turn it is. The queue goes when it has no more.

@@ -60,15 +60,16 @@ class ZLVCurlSockets {
   void keepUnused(CURL* transfer);
 
   /// Whether the kept connection between these ports has anything to read, be it its end: nothing
-  /// that comes before a request is its answer. Not asked of HTTP/2, where answers are numbered. Over
-  /// TLS only the end counts as long as nothing was sent: the server says something of its own then.
+  /// that comes before a request is its answer. Not asked of HTTP/2, where answers are numbered.
+  /// Over TLS only the end counts as long as nothing was sent: the server says something of its own
+  /// then.
   [[nodiscard]] bool isSpoilt(int localPort, int peerPort) const;
 
  private:
   enum class Rule { None, OnlyItsEnd, NothingToRead };
   using Looks = std::multimap<Clock::time_point, curl_socket_t>;
   struct Socket {
-    Attempt* attempt;   // until it is settled
+    Attempt* attempt;  // until it is settled
     Looks::iterator look;
     int localPort = 0, peerPort = 0;  // once it is
     Rule rule = Rule::None;
@@ -79,7 +80,7 @@ class ZLVCurlSockets {
   ZLVReadiness& readiness_;
   std::unordered_map<curl_socket_t, Socket> sockets_;
   std::unordered_multimap<int, curl_socket_t> settled_;  // by local port
-  Looks looks_;                   // at those that connect
+  Looks looks_;                                          // at those that connect
   std::vector<CURL*> stranded_;
-  int unused_ = 0;                // connections
+  int unused_ = 0;  // connections
 };

@@ -41,8 +41,8 @@ class ZLVReadiness {
   ZLVReadiness& operator=(const ZLVReadiness&) = delete;
   ~ZLVReadiness();
 
-  /// From now on these events of `descriptor` are told, and no others. What the system cannot watch,
-  /// for lack of a descriptor or of memory, is said to be ready ten times a second.
+  /// From now on these events of `descriptor` are told, and no others. What the system cannot
+  /// watch, for lack of a descriptor or of memory, is said to be ready ten times a second.
   void watch(int descriptor, unsigned events);
 
   /// Nothing is told of it until it is watched again. That is cheaper than forgetting it, which
@@ -69,9 +69,7 @@ class ZLVReadiness {
   };
 
   void update(int descriptor);
-  [[nodiscard]] Watch& at(int descriptor) {
-    return watches_[static_cast<std::size_t>(descriptor)];
-  }
+  [[nodiscard]] Watch& at(int descriptor) { return watches_[static_cast<std::size_t>(descriptor)]; }
 
   int descriptor_ = -1;
   std::vector<Watch> watches_;  // by descriptor
@@ -79,8 +77,8 @@ class ZLVReadiness {
   std::vector<Found> found_;    // the last one first
 };
 
-/// Ends the sleep of a thread that waits for its descriptor. Its descriptors are not inherited either, and
-/// none of its operations blocks.
+/// Ends the sleep of a thread that waits for its descriptor. Its descriptors are not inherited
+/// either, and none of its operations blocks.
 class ZLVWakeSignal {
  public:
   ZLVWakeSignal() = default;
@@ -88,8 +86,8 @@ class ZLVWakeSignal {
   ZLVWakeSignal& operator=(const ZLVWakeSignal&) = delete;
   ~ZLVWakeSignal();
 
-  /// Gets its descriptors, unless it has them or there are none to be had.
-  void open();
+  /// Gets its descriptors, unless it has them. False when there are none to be had.
+  bool open();
   [[nodiscard]] bool isOpen() const { return readEnd_ >= 0; }
 
   /// Becomes readable, again, with each `set`, for who watches it for `Once`; -1 while it is not

@@ -10,8 +10,8 @@ ZLVCurlTransfer::ZLVCurlTransfer(ZLVURLRequest request, ZLVURLSession::Completio
 std::unique_ptr<ZLVCurlTransfer> ZLVCurlTransfer::ahead(const std::string& URL) {
   ZLVURLRequest request;
   request.URL = ZLVURL::URLWithString(URL);
-  auto transfer = std::make_unique<ZLVCurlTransfer>(std::move(request),
-                                                    ZLVURLSession::CompletionHandler());
+  auto transfer =
+      std::make_unique<ZLVCurlTransfer>(std::move(request), ZLVURLSession::CompletionHandler());
   transfer->isAhead_ = true;
   return transfer;
 }

@@ -31,7 +31,8 @@ struct ZLVLinuxOptions {
   /// A URL of the server, usually the merchant's, to which a connection is opened as soon as the
   /// client is configured, so that the first call finds it there. Nothing is sent over it but what
   /// TLS asks for. When it cannot be made, or the server has closed it meanwhile, the first call
-  /// connects as it would without it.
+  /// connects as it would without it; so it does where libcurl itself, from 8.1 on, does not use a
+  /// connection on which the server has said something.
   std::optional<std::string> connectsAheadTo = std::nullopt;
 };
 

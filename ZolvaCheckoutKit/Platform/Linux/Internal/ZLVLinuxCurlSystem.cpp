@@ -43,8 +43,9 @@ ZLVWakeSignal::~ZLVWakeSignal() {
   if (isOpen()) close(readEnd_);
 }
 
-void ZLVWakeSignal::open() {
+bool ZLVWakeSignal::open() {
   if (!isOpen()) readEnd_ = writeEnd_ = eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK);
+  return isOpen();
 }
 
 void ZLVWakeSignal::set() const { eventfd_write(writeEnd_, 1); }

@@ -82,7 +82,8 @@ void ZLVReadiness::wait(std::chrono::milliseconds limit) {
     poll(nullptr, 0, static_cast<int>(limit.count()));
   }
   found_.clear();
-  for (const int descriptor : unwatched_) found_.push_back({{descriptor, 0}, at(descriptor).generation});
+  for (const int descriptor : unwatched_)
+    found_.push_back({{descriptor, 0}, at(descriptor).generation});
   for (int i = 0; i < count; ++i) {
     const auto& [what, data] = events[static_cast<std::size_t>(i)];
     found_.push_back({{static_cast<int>(data.u64 & UINT32_MAX), readyEvents(what)},
