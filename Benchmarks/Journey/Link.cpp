@@ -10,6 +10,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <filesystem>
 #include <fstream>
 #include <functional>
 #include <set>
@@ -19,7 +20,6 @@
 #include <thread>
 
 #include <fcntl.h>
-#include <filesystem>
 #include <linux/if_tun.h>
 #include <net/if.h>
 #include <sched.h>
@@ -68,8 +68,8 @@ int enterNetwork(const std::string& configuration) {
   std::strncpy(request.ifr_name, "way", IFNAMSIZ - 1);
   request.ifr_flags = IFF_TUN | IFF_NO_PI;
   check(ioctl(device, TUNSETIFF, &request) == 0, "TUN device");
-  const auto commands = "PATH=$PATH:/usr/sbin:/sbin; set -e; ip link set lo up; ip link set way up; " +
-                        configuration;
+  const auto commands =
+      "PATH=$PATH:/usr/sbin:/sbin; set -e; ip link set lo up; ip link set way up; " + configuration;
   check(std::system(commands.c_str()) == 0, "ip");
   return device;
 }
@@ -116,7 +116,8 @@ std::vector<Relay::Path> readPaths(const std::string& text) {
   double percent = 0;
   char separator = 0;
   for (double time = 0; stream >> time >> separator >> percent; stream >> separator) {
-    paths.push_back({std::chrono::nanoseconds(static_cast<std::int64_t>(time * 1e6)), percent / 100});
+    paths.push_back(
+        {std::chrono::nanoseconds(static_cast<std::int64_t>(time * 1e6)), percent / 100});
   }
   if (paths.empty()) throw std::runtime_error("no paths");
   return paths;
@@ -137,7 +138,8 @@ int run(const std::string& paths, const std::string& server, const std::string& 
   for (const int number : {SIGCHLD, SIGINT, SIGTERM, SIGHUP}) sigaddset(&signals, number);
 
   leaveSystem();
-  const int serverDevice = enterNetwork("ip route add local 10.0.0.0/8 dev lo; ip route add default dev way");
+  const int serverDevice =
+      enterNetwork("ip route add local 10.0.0.0/8 dev lo; ip route add default dev way");
   sigprocmask(SIG_BLOCK, &signals, nullptr);
   start(server, signals);
   const int clientDevice =

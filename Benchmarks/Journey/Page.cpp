@@ -1,5 +1,6 @@
-// page CONTENDER MERCHANT COLLECTOR: an application with a window that asks for an account, and then
-// makes a charge for each line that it reads, tells when, and shows the page that it is sent to.
+// page CONTENDER MERCHANT COLLECTOR: an application with a window that asks for an account, and
+// then makes a charge for each line that it reads, tells when, and shows the page that it is sent
+// to.
 
 #include <cstdlib>
 #include <functional>
@@ -158,8 +159,8 @@ void activate(GtkApplication* self, gpointer data) {
   gtk_window_set_child(window, gtk_button_new_with_label("Pay"));
   gtk_window_present(window);
   if (application.contender == "library") {
-    application.shop = std::make_unique<LibraryShop>(self, window, application.merchant,
-                                                     application.collector);
+    application.shop =
+        std::make_unique<LibraryShop>(self, window, application.merchant, application.collector);
   } else {
     application.shop = std::make_unique<SoupShop>(window, application.merchant);
   }

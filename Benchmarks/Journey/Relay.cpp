@@ -27,7 +27,8 @@ Relay::Relay(int client, int server, std::vector<Path> paths)
     : client_(client), server_(server), paths_(std::move(paths)) {}
 
 void Relay::runUntil(int other) {
-  for (std::array<pollfd, 3> events{{{client_, POLLIN, 0}, {server_, POLLIN, 0}, {other, POLLIN, 0}}};
+  for (std::array<pollfd, 3> events{
+           {{client_, POLLIN, 0}, {server_, POLLIN, 0}, {other, POLLIN, 0}}};
        (events[2].revents & POLLIN) == 0;) {
     timespec left{};
     if (!packets_.empty()) left = timeUntil(packets_.top().due);
@@ -54,7 +55,8 @@ void Relay::take(int from, int to) {
     } else if (packets_.size() == mostPackets) {
       ++counts_.overflowed;
     } else {
-      packets_.push({Clock::now() + path->roundTrip / 2, to, {buffer.data(), buffer.data() + size}});
+      packets_.push(
+          {Clock::now() + path->roundTrip / 2, to, {buffer.data(), buffer.data() + size}});
     }
   }
 }

@@ -43,9 +43,10 @@ void replaceAll(std::string& text, std::string_view what, std::string_view with)
 class Shop {
  public:
   Shop() {
-    const auto link = call("POST", "/v2/pay/account",
-                           R"({"payment_type":"zolva","zolva_partner":{"phone_number":"7700900123",)"
-                           R"("country_code":"44","redirect_url":"journey://done"}})");
+    const auto link =
+        call("POST", "/v2/pay/account",
+             R"({"payment_type":"zolva","zolva_partner":{"phone_number":"7700900123",)"
+             R"("country_code":"44","redirect_url":"journey://done"}})");
     const auto linked = json::parse(link.body);
     accountID_ = linked.at("account_id").as_string();
     std::string page(linked.at_pointer("/actions/0/url").as_string());
@@ -71,13 +72,14 @@ class Shop {
  private:
   ZLVSandboxAnswer call(const char* method, const std::string& target, const char* body) {
     return sandbox_
-        .exchange({.method = method,
-                   .target = target,
-                   .headers = {{"X-Source", "mobile-ios"},
-                               {"X-Mobile-Platform", "ios"},
-                               {"Content-Type", *body == '{' ? "application/json"
-                                                            : "application/x-www-form-urlencoded"}},
-                   .body = body})
+        .exchange(
+            {.method = method,
+             .target = target,
+             .headers = {{"X-Source", "mobile-ios"},
+                         {"X-Mobile-Platform", "ios"},
+                         {"Content-Type",
+                          *body == '{' ? "application/json" : "application/x-www-form-urlencoded"}},
+             .body = body})
         .first;
   }
 
@@ -130,7 +132,8 @@ void serve(tcp::socket socket, asio::ssl::context& tls, Shop& shop, Log& log) tr
                               .target = std::string(message.target()),
                               .headers = {},
                               .body = message.body()};
-    for (const auto& field : message) request.headers.emplace_back(field.name_string(), field.value());
+    for (const auto& field : message)
+      request.headers.emplace_back(field.name_string(), field.value());
     const std::string host(request.header("Host"));
 
     ZLVSandboxAnswer answer{.status = 204, .headers = {}, .body = {}};

@@ -26,12 +26,13 @@ class Figures:
         with open(file) as text:
             run = json.load(text)
         self.date, self.machine, self.authorities = run["date"], run["machine"], run["authorities"]
-        self.ways, self.samples = run["ways"], run["samples"]
+        self.ways = run["ways"]
+        self.figures = {(figure["wait"], figure["way"], figure["contender"]): figure
+                        for figure in run["figures"]}
 
     def of(self, wait, way, contender, key="milliseconds"):
         """All that was measured; `way` by its number."""
-        return [sample[key] for sample in self.samples if key in sample and
-                (sample["wait"], sample["way"], sample["contender"]) == (wait, way, contender)]
+        return self.figures.get((wait, way, contender), {}).get(key, [])
 
     def median(self, wait, way, contender, key="milliseconds"):
         """None where nothing was measured."""
