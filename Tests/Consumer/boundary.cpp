@@ -1,5 +1,6 @@
 // What a program and the libraries share across their boundary, wherever it is: exceptions, and the
-// types of what is made on the other side. Says nothing and ends with 0 when all is as it should be.
+// types of what is made on the other side. Says nothing and ends with 0 when all is as it should
+// be.
 #include <cstdio>
 #include <cstdlib>
 #include <stdexcept>
@@ -36,9 +37,8 @@ struct OwnFault : std::runtime_error {
 
 struct Session : ZLVURLSession {
   void dataTask(ZLVURLRequest, CompletionHandler handler) override {
-    std::move(handler)({.data = R"({"status_code": "200", "account_id": "a"})",
-                        .statusCode = 200,
-                        .error = {}});
+    std::move(handler)(
+        {.data = R"({"status_code": "200", "account_id": "a"})", .statusCode = 200, .error = {}});
   }
 };
 

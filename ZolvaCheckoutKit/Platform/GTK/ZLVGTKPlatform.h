@@ -38,10 +38,10 @@ struct ZLVGTKHandlers {
 /// The browser covers the content of the window until it is closed, keeps nothing on disk, and
 /// trusts `ZLVLinuxOptions::CAFile` as the HTTP calls do. Its texts and what the library says of
 /// errors (`ZLVError::localizedDescription`) are translated: the catalogues of the gettext domain
-/// "ZolvaCheckoutKit" are looked for where the library stands now, then where the program does, in the
-/// share/locale of that prefix, and then where the library was to be installed; a host that ships
-/// them elsewhere calls bindtextdomain(3) after `platformWithApplication`. Several pages
-/// over one window, and what the host itself puts over a page, may end in any order.
+/// "ZolvaCheckoutKit" are looked for in the prefix that the library is in by now, in the program's
+/// own, and where the library was to be installed; a host that ships them elsewhere calls
+/// bindtextdomain(3) after `platformWithApplication`. Several pages over one window, and what the
+/// host itself puts over a page, may end in any order.
 ///
 /// Screen readers find the bar and whatever the browser says itself, but not what the page holds
 /// before GTK 4.14 and a WebKitGTK (2.44 or later) built with that: an older GTK has no place for

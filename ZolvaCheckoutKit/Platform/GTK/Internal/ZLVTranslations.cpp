@@ -1,7 +1,7 @@
-#include <dlfcn.h>
 #include <filesystem>
 #include <system_error>
 
+#include <dlfcn.h>
 #include <libintl.h>
 
 #include <ZolvaCheckoutKit/Platform/GTK/Internal/ZLVLocalizedText.h>
@@ -11,8 +11,9 @@ namespace {
 
 /// The file that this code was loaded from: a library, or the program that it is linked into.
 const char* ownFile() {
+  static const char here = 0;
   Dl_info info = {};
-  const bool isKnown = dladdr(reinterpret_cast<const void*>(&ownFile), &info) != 0;
+  const bool isKnown = dladdr(&here, &info) != 0;
   return isKnown && info.dli_fname != nullptr ? info.dli_fname : "";
 }
 
