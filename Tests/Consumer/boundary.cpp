@@ -58,7 +58,8 @@ int main() {
   expect(dynamic_cast<ZLVDevice*>(platform.device.get()) != nullptr, "a device's type");
   platform.makeURLSession = [] { return std::make_unique<Session>(); };
   const auto root = platform.userInterface->keyWindowRootViewController();
-  expect(typeid(*root) == typeid(ZLVViewController), "a view controller's type");
+  const ZLVViewController& controller = *root;
+  expect(typeid(controller) == typeid(ZLVViewController), "a view controller's type");
   expect(std::dynamic_pointer_cast<ZLVNavigationController>(root) == nullptr, "and no other");
   ZLVPlatform::install(std::move(platform));
   ZLVClient::initWithMerchantServerURL("https://shop.example", "M-1", "shop://done", false);
