@@ -10,25 +10,35 @@ TEST_F(Client, SendsItsRequests) {
   const auto item = [](const char* id) {
     return ZLVItemDetails::initWithIthItemID(id, {}, {}, {}, {});
   };
-  const std::pair<std::function<void()>, std::string> requests[] = {
+  struct Request {
+    std::function<void()> call;
+    std::string sent;
+    /// How often the user interface is told that a page may follow.
+    int hints = 0;
+  };
+  const Request requests[] = {
       {[&] { enquire(); }, "GET pay/account/abc "},
       {[&] { disable(); }, "POST pay/account/abc/unbind "},
       {[&] { link(); },
        R"(POST pay/account {"payment_type":"zolva","zolva_partner":{"country_code":"1",)"
-       R"("phone_number":"5550123","redirect_url":"app://done"}})"},
+       R"("phone_number":"5550123","redirect_url":"app://done"}})",
+       1},
       {[] { ZLVClient::linkAccountWithPaymentType("zolva", nullptr, nullptr, {}); },
        R"(POST pay/account {"payment_type":"zolva"})"},
-      {[&] { charge(); }, charged + rest},
+      {[&] { charge(); }, charged + rest, 1},
       {[&] { charge(std::vector<std::shared_ptr<ZLVItemDetails>>{}); },
-       charged + R"("item_details":[],)" + rest},
+       charged + R"("item_details":[],)" + rest, 1},
       {[&] {
          charge(std::vector{item("1"), item("2")});
        },
-       charged + R"("item_details":[{"id":"1"},{"id":"2"}],)" + rest},
+       charged + R"("item_details":[{"id":"1"},{"id":"2"}],)" + rest, 1},
   };
   const std::string root = "https://shop.test/pay/v2/";
-  for (const auto& [call, expected] : requests) {
+  for (const auto& [call, expected, hints] : requests) {
     call();
+    EXPECT_EQ(platform.ui->preparations, 0);  // no hint but in its turn on the main thread
+    platform.queue->drain();
+    EXPECT_EQ(std::exchange(platform.ui->preparations, 0), hints) << expected;
     const auto& request = platform.session.merchant.back().request;
     const auto url = request.URL->absoluteString();
     EXPECT_TRUE(url.starts_with(root)) << url;
@@ -38,7 +48,7 @@ TEST_F(Client, SendsItsRequests) {
   }
   listener = Listener::Coroutine;  // the same; a charge without items leaves them out
   for (const auto index : {0U, 1U, 2U, 4U, 6U}) {
-    requests[index].first();
+    requests[index].call();
     const auto& sent = platform.session.merchant;
     EXPECT_EQ(sent.back().request.HTTPBody, sent[index].request.HTTPBody);
     EXPECT_EQ(sent.back().request.URL->absoluteString(), sent[index].request.URL->absoluteString());

@@ -1,5 +1,6 @@
 #include "Tests/GTK/Host.h"
 
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -59,15 +60,16 @@ bool waitFor(const std::function<bool()>& condition) {
   return holds;
 }
 
-std::size_t childProcesses() {
-  std::size_t count = 0;
+std::vector<pid_t> childProcessIDs() {
+  std::vector<pid_t> all;
   for (const auto& task : std::filesystem::directory_iterator("/proc/self/task")) {
     std::ifstream children(task.path() / "children");
-    count += static_cast<std::size_t>(
-        std::distance(std::istream_iterator<int>(children), std::istream_iterator<int>()));
+    std::copy(std::istream_iterator<pid_t>(children), {}, std::back_inserter(all));
   }
-  return count;
+  return all;
 }
+
+std::size_t childProcesses() { return childProcessIDs().size(); }
 
 bool isSensitive(GtkWidget* widget) { return gtk_widget_is_sensitive(widget) != FALSE; }
 
@@ -155,6 +157,10 @@ void Host::present(const std::string& url, std::shared_ptr<ZLVViewController> pr
 }
 
 void Host::visit(const std::string& url, const std::string& selector) {
+  // As after a call that took its time.
+  const auto before = childProcesses();
+  ZLVPlatform::installed().userInterface->prepareBrowser();
+  ASSERT_TRUE(waitFor([=] { return childProcesses() > before; }));
   present(url);
   clickElement(selector);
 }

@@ -38,7 +38,7 @@ struct Host {
   [[nodiscard]] std::shared_ptr<ZLVViewController> viewController() const;
   /// Shows a page in a browser, over the window's view controller or another.
   void present(const std::string& url, std::shared_ptr<ZLVViewController> presenter = nullptr);
-  /// Shows a page and clicks an element of it.
+  /// Shows a page, in an engine that a hint has started, and clicks an element of it.
   void visit(const std::string& url, const std::string& selector = "p");
   /// Waits until nothing is presented any more and the engine's processes are gone.
   [[nodiscard]] bool waitUntilClosed() const;
@@ -83,7 +83,8 @@ struct Host {
   void makeWindow();
 };
 
-/// How many processes this one has started that still run.
+/// The processes that this one has started and that still run.
+std::vector<pid_t> childProcessIDs();
 std::size_t childProcesses();
 
 bool isSensitive(GtkWidget* widget);

@@ -46,4 +46,11 @@ class ZLV_EXPORT ZLVUserInterface {
 
   /// Hands a URL of another scheme to whatever application claims it. False when it was not taken.
   virtual bool openURL(const ZLVURL& url) = 0;
+
+  /// A hint: a call that may lead to a page is on its way. Where a browser takes long to start,
+  /// this is the time to start it, but not to do so before this returns: the user is looking at the
+  /// application. Nothing may depend on it. The page may come while the browser starts, a minute
+  /// later or never, and without any hint; hints come one after the other, also while a page is
+  /// shown. What was started for a page that has not come within a minute is let go of again.
+  virtual void prepareBrowser() {}
 };

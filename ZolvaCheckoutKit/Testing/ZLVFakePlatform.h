@@ -90,6 +90,7 @@ struct ZLVFakeUserInterface : ZLVUserInterface {
     return made;
   }
   bool openURL(const ZLVURL&) override { return false; }
+  void prepareBrowser() override { ++preparations; }
 
   /// The window.
   std::shared_ptr<ZLVViewController> root = std::make_shared<ZLVViewController>();
@@ -97,6 +98,8 @@ struct ZLVFakeUserInterface : ZLVUserInterface {
   Browser* browser = nullptr;
   /// "show URL" and "hide URL", in order.
   std::vector<std::string> journal;
+  /// How often it was told that a page may follow.
+  int preparations = 0;
 };
 
 /// A request that the test is to answer.
@@ -199,6 +202,7 @@ class ZLVFakePlatform {
         return current()->ui->makeBrowser(url);
       }
       bool openURL(const ZLVURL& url) override { return current()->ui->openURL(url); }
+      void prepareBrowser() override { current()->ui->prepareBrowser(); }
     };
     struct Network : ZLVURLSession {
       void dataTask(ZLVURLRequest request, CompletionHandler handler) override {

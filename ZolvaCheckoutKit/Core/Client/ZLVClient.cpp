@@ -65,10 +65,13 @@ std::shared_ptr<Record> mapped(const ZLVValue& answer, ZLVCompletion& pending) {
 /// What becomes of a dictionary that the server has answered.
 using Accept = ZLVOnce<void(const ZLVValue& answer, ZLVCompletion pending)>;
 
+/// Whether the answer may be a page to show.
+enum class MayShowPage : bool { No, Yes };
+
 /// Sends the call. A dictionary that comes back goes to `accept`; an error, or an answer of another
 /// kind, completes.
 void perform(const Operation& operation, std::string_view accountID, ZLVValue parameters,
-             ZLVCompletion::Handler handler, Accept accept) {
+             MayShowPage mayShowPage, ZLVCompletion::Handler handler, Accept accept) {
   requireReadiness(operation.name);
   const auto& baseURL =
       required(ZLVVendor::shared().merchantSeverURL(),
@@ -77,6 +80,11 @@ void perform(const Operation& operation, std::string_view accountID, ZLVValue pa
       baseURL, ZLVStringWithFormat(operation.pathFormat, {accountID}), operation.method,
       std::move(parameters), ZLVServiceTypeMerchant);
   auto& network = ZLVNetwork::shared();
+  // Queued before the answer can be.
+  if (mayShowPage == MayShowPage::Yes) {
+    ZLVPlatform::installed().mainQueue->dispatch(
+        [] { ZLVPlatform::installed().userInterface->prepareBrowser(); });
+  }
 
   // Nothing above may have answered: what throws there is for the caller alone.
   ZLVCompletion pending(std::move(handler), operation.errorEvent);
@@ -92,7 +100,7 @@ void perform(const Operation& operation, std::string_view accountID, ZLVValue pa
 template <class Record>
 void performWithoutPage(const Operation& operation, const ZLVClient::Text& accountID,
                         std::string_view successEvent, ZLVCompletionHandler<Record> handler) {
-  perform(operation, required(accountID, "account id", operation), {},
+  perform(operation, required(accountID, "account id", operation), {}, MayShowPage::No,
           ZLVCompletionOf<Record>::untyped(std::move(handler)),
           [successEvent](const ZLVValue& answer, ZLVCompletion pending) {
             ZLVAnalyticsTracker::shared().trackEventName(successEvent);
@@ -123,8 +131,9 @@ void ZLVClient::linkAccountWithPaymentType(Text paymentType,
   if (zolvaPartnerDetails != nullptr) body.merge(zolvaPartnerDetails->dictionaryValue());
 
   using Completion = ZLVCompletionOf<ZLVLinkAccountResult>;
+  const auto mayShowPage = MayShowPage(viewController != nullptr);
   perform(
-      linkAccount, {}, std::move(body), Completion::untyped(std::move(completion)),
+      linkAccount, {}, std::move(body), mayShowPage, Completion::untyped(std::move(completion)),
       [viewController = std::move(viewController)](const ZLVValue& answer, ZLVCompletion pending) {
         auto response = mapped<ZLVLinkAccountResponse>(answer, pending);
         ZLVCheckoutProcessor::processAccountLinkingWithResponse(std::move(response), viewController,
@@ -166,8 +175,9 @@ void ZLVClient::createTransactionWithPaymentType(
   }
 
   using Completion = ZLVCompletionOf<ZLVTransactionResult>;
+  const auto mayShowPage = MayShowPage(viewController != nullptr);
   perform(
-      call, {}, std::move(body), Completion::untyped(std::move(completion)),
+      call, {}, std::move(body), mayShowPage, Completion::untyped(std::move(completion)),
       [viewController = std::move(viewController)](const ZLVValue& answer, ZLVCompletion pending) {
         auto response = mapped<ZLVTransactionResponse>(answer, pending);
         ZLVCheckoutProcessor::processCreateTransactionWithResponse(

@@ -27,7 +27,8 @@ ZLVPlatform ZLVGTKPlatform::platformWithApplication(GtkApplication* application,
   platform.device = std::make_shared<ZLVGTKDevice>(application, platform.device);
   platform.userInterface = std::make_shared<ZLVGTKUserInterface>(
       std::shared_ptr<const ZLVGTKBrowser::Environment>(new ZLVGTKBrowser::Environment{
-          ZLVWeakGObject<GtkApplication>(application), platform.mainQueue, std::move(authorities)}),
+          ZLVWeakGObject<GtkApplication>(application), platform.mainQueue, std::move(authorities),
+          std::make_shared<ZLVWebEngine>(application)}),
       std::move(handlers.openURL));
   platform.localizedText = [](const char* text) { return std::string(ZLVLocalized(text)); };
   return platform;

@@ -25,11 +25,11 @@ GtkWidget* makeSpinner() {
 
 }  // namespace
 
-ZLVBrowserScreen::ZLVBrowserScreen(ZLVDismissButtonStyle style,
+ZLVBrowserScreen::ZLVBrowserScreen(ZLVDismissButtonStyle style, ZLVGObject<WebKitWebView> view,
                                    std::shared_ptr<ZLVCertificateAuthorities> authorities,
                                    Events events)
     : events_(std::move(events)),
-      page_(std::move(authorities),
+      page_(std::move(view), std::move(authorities),
             {.stateChanged = [this] { updateBar(); },
              .shown = [this] { setContent(Content::Page); },
              .failed = [this](const auto& problem) { showProblem(problem); },

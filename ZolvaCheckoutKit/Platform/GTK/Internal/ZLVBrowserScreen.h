@@ -28,7 +28,7 @@ class ZLVBrowserScreen {
     std::function<void(const ZLVURL& url)> ledOut;
   };
 
-  ZLVBrowserScreen(ZLVDismissButtonStyle style,
+  ZLVBrowserScreen(ZLVDismissButtonStyle style, ZLVGObject<WebKitWebView> view,
                    std::shared_ptr<ZLVCertificateAuthorities> authorities, Events events);
 
   [[nodiscard]] GtkWidget* widget() const { return root_.get(); }

@@ -12,7 +12,8 @@
 struct ZLVGTKBrowser::Shown {
   Shown(ZLVDismissButtonStyle style, const Environment& environment,
         ZLVBrowserScreen::Events events, GtkWindow* window)
-      : screen(style, environment.authorities, std::move(events)), cover(window, screen.widget()) {}
+      : screen(style, environment.engine->take(), environment.authorities, std::move(events)),
+        cover(window, screen.widget()) {}
 
   ZLVBrowserScreen screen;
   ZLVWindowCover cover;

@@ -8,6 +8,7 @@
 
 #include <ZolvaCheckoutKit/Platform/GTK/Internal/ZLVCertificateAuthorities.h>
 #include <ZolvaCheckoutKit/Platform/GTK/Internal/ZLVGObject.h>
+#include <ZolvaCheckoutKit/Platform/GTK/Internal/ZLVWebEngine.h>
 #include <ZolvaCheckoutKit/Platform/ZLVMainQueue.h>
 #include <ZolvaCheckoutKit/Platform/ZLVUserInterface.h>
 
@@ -23,6 +24,7 @@ class ZLVGTKBrowser final : public ZLVBrowser {
     ZLVWeakGObject<GtkApplication> application;
     std::shared_ptr<ZLVMainQueue> mainQueue;
     std::shared_ptr<ZLVCertificateAuthorities> authorities;
+    std::shared_ptr<ZLVWebEngine> engine;
   };
 
   ZLVGTKBrowser(std::string url, std::shared_ptr<const Environment> environment);

@@ -21,6 +21,7 @@ class ZLVGTKUserInterface final : public ZLVUserInterface {
   [[nodiscard]] std::shared_ptr<ZLVViewController> keyWindowRootViewController() override;
   [[nodiscard]] std::unique_ptr<ZLVBrowser> makeBrowser(const ZLVURL& url) override;
   bool openURL(const ZLVURL& url) override;
+  void prepareBrowser() override { environment_->engine->prepare(); }
 
  private:
   std::shared_ptr<const ZLVGTKBrowser::Environment> environment_;

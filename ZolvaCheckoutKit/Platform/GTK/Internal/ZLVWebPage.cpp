@@ -37,11 +37,11 @@ bool isAttachment(WebKitURIResponse* response) {
 
 }  // namespace
 
-ZLVWebPage::ZLVWebPage(std::shared_ptr<ZLVCertificateAuthorities> authorities, Events events)
+ZLVWebPage::ZLVWebPage(ZLVGObject<WebKitWebView> view,
+                       std::shared_ptr<ZLVCertificateAuthorities> authorities, Events events)
     : authorities_(std::move(authorities)),
       events_(std::move(events)),
-      session_(ZLVGObject<WebKitNetworkSession>::take(webkit_network_session_new_ephemeral())),
-      view_(ZLVWebView::make(session_.get())),
+      view_(std::move(view)),
       presses_(view_.get(), {.began = [this] { policy_.pressBegan(); },
                              .arrived =
                                  [this](bool isInOwnFrame) {
@@ -52,7 +52,6 @@ ZLVWebPage::ZLVWebPage(std::shared_ptr<ZLVCertificateAuthorities> authorities, E
       refusals_(view_.get(), [this] {
         if (hasPage_) events_.fileRefused();
       }) {
-  webkit_network_session_set_persistent_credential_storage_enabled(session_.get(), FALSE);
   connectLoading();
   connectPolicies();
 }
@@ -213,8 +212,8 @@ void ZLVWebPage::certificateFailed(const char* url, GTlsCertificate* certificate
   const bool isNew = !vouched_ || g_tls_certificate_is_same(vouched_.get(), certificate) == FALSE;
   if (isNew && authorities_->vouch(certificate, host)) {
     vouched_ = ZLVGObject<GTlsCertificate>::retain(certificate);
-    webkit_network_session_allow_tls_certificate_for_host(session_.get(), certificate,
-                                                          host.c_str());
+    webkit_network_session_allow_tls_certificate_for_host(
+        webkit_web_view_get_network_session(view_.get()), certificate, host.c_str());
     return request(url);
   }
   fail(ZLVProblem::Kind::Certificate, url, {}, flags);

@@ -53,7 +53,9 @@ class ZLVWebPage {
     ZLVGObject<GTlsCertificate> certificate{};
   };
 
-  ZLVWebPage(std::shared_ptr<ZLVCertificateAuthorities> authorities, Events events);
+  /// `view` has loaded nothing so far and is nobody else's.
+  ZLVWebPage(ZLVGObject<WebKitWebView> view, std::shared_ptr<ZLVCertificateAuthorities> authorities,
+             Events events);
   ZLVWebPage(const ZLVWebPage&) = delete;
   ZLVWebPage& operator=(const ZLVWebPage&) = delete;
   /// Ends the processes behind the page.
@@ -92,7 +94,6 @@ class ZLVWebPage {
 
   std::shared_ptr<ZLVCertificateAuthorities> authorities_;
   Events events_;
-  ZLVGObject<WebKitNetworkSession> session_;
   ZLVGObject<WebKitWebView> view_;
   std::string host_;
   ZLVSecurity security_ = ZLVSecurity::Unknown;

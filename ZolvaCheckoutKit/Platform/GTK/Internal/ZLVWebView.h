@@ -15,8 +15,9 @@ inline constexpr const char* scriptWorld = "ZolvaCheckoutKit";
 inline constexpr const char* isOwnFrame =
     "Array.from(location.ancestorOrigins).every(each => each === origin && origin !== 'null')";
 
-/// A view on `session` with everything off that such a page has no need of.
-ZLVGObject<WebKitWebView> make(WebKitNetworkSession* session);
+/// A view with processes and a session of its own, which keeps nothing, and with everything off
+/// that such a page has no need of.
+ZLVGObject<WebKitWebView> make();
 
 /// Leaves only the menu's items for editing text: the others lead out of the view.
 void restrictContextMenu(WebKitContextMenu* menu);

@@ -1,0 +1,98 @@
+// The web engine that a hint starts before there is a page for it.
+
+#include <csignal>
+#include <filesystem>
+#include <fstream>
+
+#include <gtest/gtest.h>
+
+#include <ZolvaCheckoutKit/Platform/GTK/Internal/ZLVGTKUserInterface.h>
+
+#include "Tests/GTK/Host.h"
+
+namespace {
+
+/// A user interface beside the installed one, whose engine is at hand.
+class Engine : public testing::Test {
+ protected:
+  void startByHint() {
+    // One, however often.
+    for (int hint = 0; hint < 1000; ++hint) ui_.prepareBrowser();
+    EXPECT_EQ(childProcesses(), 0U);
+    ASSERT_TRUE(waitFor([] { return childProcesses() > 0; }));
+  }
+  [[nodiscard]] std::unique_ptr<ZLVBrowser> browse(const RawServer& server) {
+    auto browser = ui_.makeBrowser(*ZLVURL::URLWithString(server.url()));
+    browser->show(*host_.viewController(), false, [] { ADD_FAILURE() << "closed"; });
+    return browser;
+  }
+  /// The one source of the engine's: the end of its patience. Null when nothing is under way.
+  GSource* end() { return g_main_context_find_source_by_user_data(nullptr, engine_.get()); }
+
+  Host host_;
+  std::shared_ptr<ZLVWebEngine> engine_ = std::make_shared<ZLVWebEngine>(host_.application);
+  ZLVGTKUserInterface ui_{
+      std::shared_ptr<const ZLVGTKBrowser::Environment>(new ZLVGTKBrowser::Environment{
+          ZLVWeakGObject<GtkApplication>(host_.application), ZLVPlatform::installed().mainQueue,
+          std::make_shared<ZLVCertificateAuthorities>(std::nullopt), engine_}),
+      {}};
+};
+
+TEST_F(Engine, ServesTheNextPageAndNoOther) {
+  const RawServer server(pages("<p>page"));
+  host_.run([&] {
+    startByHint();
+    const auto browser = browse(server);
+    EXPECT_EQ(end(), nullptr);
+    WebKitWebView* const first = host_.webView();
+    host_.clickElement("p");
+    EXPECT_EQ(webkit_web_view_can_go_back(first), FALSE);
+
+    // Nothing of the first is in the second, nor of the one that is started for a third.
+    ui_.prepareBrowser();
+    const auto second = engine_->take();
+    EXPECT_NE(second.get(), first);
+    EXPECT_NE(webkit_web_view_get_network_session(second.get()),
+              webkit_web_view_get_network_session(first));
+    EXPECT_NE(webkit_web_view_get_context(second.get()), webkit_web_view_get_context(first));
+    browser->hide(false);
+  });
+  // Had the page had another engine, the first would still wait for one.
+  EXPECT_TRUE(waitFor([] { return childProcesses() == 0; }));
+}
+
+TEST_F(Engine, IsLetGoOfWhenNoPageComes) {
+  ui_.prepareBrowser();
+  EXPECT_EQ(end(), nullptr);  // no application runs, no window could show a page
+  host_.run([&] {
+    startByHint();
+    const auto now = g_get_monotonic_time();
+    const auto due = g_source_get_ready_time(end());
+    EXPECT_LE(due, now + 60 * G_USEC_PER_SEC);
+    ui_.prepareBrowser();
+    EXPECT_GE(g_source_get_ready_time(end()), now + 60 * G_USEC_PER_SEC);
+    g_source_set_ready_time(end(), 0);
+    EXPECT_TRUE(waitFor([] { return childProcesses() == 0; }));
+    EXPECT_EQ(end(), nullptr);
+    startByHint();
+  });
+  ui_.prepareBrowser();
+  EXPECT_EQ(end(), nullptr);  // the application has quit
+  EXPECT_TRUE(waitFor([] { return childProcesses() == 0; }));
+}
+
+TEST_F(Engine, MayCrashBeforeItIsUsed) {
+  const RawServer server(pages("<p>page"));
+  host_.run([&] {
+    startByHint();
+    for (const auto process : childProcessIDs()) kill(process, SIGKILL);
+    EXPECT_TRUE(waitFor([&] { return end() == nullptr; }));
+    const auto browser = browse(server);
+    host_.clickElement("p");
+    browser->hide(false);
+    EXPECT_TRUE(waitFor([] { return childProcesses() == 0; }));
+    startByHint();
+  });
+}
+
+}  // namespace
