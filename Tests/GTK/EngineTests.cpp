@@ -1,16 +1,35 @@
 // The web engine that a hint starts before there is a page for it.
 
+#include <algorithm>
 #include <csignal>
 #include <filesystem>
 #include <fstream>
 
 #include <gtest/gtest.h>
+#include <sys/resource.h>
+#include <unistd.h>
 
 #include <ZolvaCheckoutKit/Platform/GTK/Internal/ZLVGTKUserInterface.h>
 
 #include "Tests/GTK/Host.h"
 
 namespace {
+
+/// Whether `process` or one below it has a thread by which the engine's processes receive: a page's
+/// process that dies before takes its host along, as the engine has it.
+bool receives(const std::string& process) {
+  std::error_code gone;
+  for (const auto& task : std::filesystem::directory_iterator("/proc/" + process + "/task", gone)) {
+    std::string name;
+    std::getline(std::ifstream(task.path() / "comm"), name);
+    if (name == "ReceiveQueue") return true;
+    std::ifstream children(task.path() / "children");
+    for (std::string child; children >> child;) {
+      if (receives(child)) return true;
+    }
+  }
+  return false;
+}
 
 /// A user interface beside the installed one, whose engine is at hand.
 class Engine : public testing::Test {
@@ -65,6 +84,17 @@ TEST_F(Engine, IsLetGoOfWhenNoPageComes) {
   ui_.prepareBrowser();
   EXPECT_EQ(end(), nullptr);  // no application runs, no window could show a page
   host_.run([&] {
+    // The engine would end this process for want of descriptors.
+    rlimit limit{};
+    getrlimit(RLIMIT_NOFILE, &limit);
+    const rlimit few{.rlim_cur = static_cast<rlim_t>(dup(STDOUT_FILENO)) + 20,
+                     .rlim_max = limit.rlim_max};
+    setrlimit(RLIMIT_NOFILE, &few);
+    ui_.prepareBrowser();
+    EXPECT_TRUE(waitFor([&] { return end() == nullptr; }));
+    EXPECT_EQ(childProcesses(), 0U);
+    setrlimit(RLIMIT_NOFILE, &limit);
+
     startByHint();
     const auto now = g_get_monotonic_time();
     const auto due = g_source_get_ready_time(end());
@@ -85,8 +115,13 @@ TEST_F(Engine, MayCrashBeforeItIsUsed) {
   const RawServer server(pages("<p>page"));
   host_.run([&] {
     startByHint();
+    const auto hasStarted = [](pid_t child) { return receives(std::to_string(child)); };
+    ASSERT_TRUE(waitFor([&] {
+      const auto all = childProcessIDs();
+      return std::ranges::count_if(all, hasStarted) == 2;  // the network's and the page's
+    }));
     for (const auto process : childProcessIDs()) kill(process, SIGKILL);
-    EXPECT_TRUE(waitFor([&] { return end() == nullptr; }));
+    ASSERT_TRUE(waitFor([] { return childProcesses() == 0; }));
     const auto browser = browse(server);
     host_.clickElement("p");
     browser->hide(false);

@@ -1,4 +1,8 @@
+#include <array>
 #include <utility>
+
+#include <fcntl.h>
+#include <unistd.h>
 
 #include <ZolvaCheckoutKit/Platform/GTK/Internal/ZLVWebEngine.h>
 #include <ZolvaCheckoutKit/Platform/GTK/Internal/ZLVWebView.h>
@@ -7,6 +11,18 @@ namespace {
 
 void clearSource(guint& source) {
   if (source != 0) g_source_remove(std::exchange(source, 0));
+}
+
+/// Where it runs out of descriptors, the engine ends the host's process. For a page that may never
+/// be wanted nothing is risked: it takes some thirty.
+bool hasDescriptors() {
+  std::array<int, 64> taken{};
+  for (int& descriptor : taken) descriptor = open("/dev/null", O_RDONLY | O_CLOEXEC);
+  const bool hasAll = taken.back() >= 0;
+  for (const int descriptor : taken) {
+    if (descriptor >= 0) close(descriptor);
+  }
+  return hasAll;
 }
 
 }  // namespace
@@ -26,13 +42,9 @@ void ZLVWebEngine::prepare() {
         },
         this);
   }
-  discardAfter(timeKept);
-}
-
-void ZLVWebEngine::discardAfter(std::chrono::milliseconds time) {
   clearSource(end_);
   end_ = g_timeout_add(
-      static_cast<guint>(time.count()),
+      static_cast<guint>(timeKept.count()),
       [](gpointer self) noexcept -> gboolean {
         static_cast<ZLVWebEngine*>(self)->discard();
         return G_SOURCE_REMOVE;
@@ -41,13 +53,12 @@ void ZLVWebEngine::discardAfter(std::chrono::milliseconds time) {
 }
 
 bool ZLVWebEngine::takeStep() {
+  if (!hasDescriptors()) {
+    discard();
+    return false;
+  }
   if (!view_) {
     view_ = ZLVWebView::make();
-    // Later, for the engine must not lose the view there.
-    signals_.connect(view_.get(), "web-process-terminated",
-                     [this](WebKitWebView*, WebKitWebProcessTerminationReason) {
-                       discardAfter(std::chrono::milliseconds(0));
-                     });
     return true;
   }
   // The engine starts a view's processes when there is something to do: a page to load, which would

@@ -30,7 +30,6 @@ class ZLVWebEngine {
  private:
   /// In two turns, between which the host can draw and react. Whether there is one more.
   bool takeStep();
-  void discardAfter(std::chrono::milliseconds time);
   /// The view is let go of, as is everything that would start one.
   ZLVGObject<WebKitWebView> release();
   void discard();
