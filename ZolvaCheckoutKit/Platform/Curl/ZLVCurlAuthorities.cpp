@@ -41,8 +41,7 @@ class Nobody {
 
 }  // namespace
 
-void ZLVCurlAuthorities::read(CURLM* multi, ZLVCurlContext& context,
-                              const std::function<void()>& drive) {
+void ZLVCurlAuthorities::read(CURLM* multi, ZLVCurlContext& context) {
   const Nobody nobody;
   const auto handle = context.handles.take();
   if (nobody.port() == 0 || !handle) return;
@@ -57,7 +56,8 @@ void ZLVCurlAuthorities::read(CURLM* multi, ZLVCurlContext& context,
       CURLOPT_OPENSOCKETFUNCTION,
       +[](void*, curlsocktype, curl_sockaddr*) -> curl_socket_t { return Nobody::open(); });
   if (curl_multi_add_handle(multi, handle.get()) != CURLM_OK) return;
-  drive();  // connects
-  drive();  // and says hello
+  int running = 0;
+  curl_multi_socket_action(multi, CURL_SOCKET_TIMEOUT, 0, &running);  // connects
+  curl_multi_socket_action(multi, CURL_SOCKET_TIMEOUT, 0, &running);  // and says hello
   curl_multi_remove_handle(multi, handle.get());
 }

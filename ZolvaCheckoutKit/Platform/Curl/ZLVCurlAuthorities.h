@@ -1,7 +1,5 @@
 #pragma once
 
-#include <functional>
-
 #include <curl/curl.h>
 
 #include <ZolvaCheckoutKit/Platform/Curl/ZLVCurlContext.h>
@@ -12,7 +10,7 @@
 namespace ZLVCurlAuthorities {
 
 /// Has `multi` read them: begins to speak TLS with nobody, on this machine, and leaves it at that.
-/// `drive` lets libcurl do what is due. Where that fails, the first connection reads them.
-void read(CURLM* multi, ZLVCurlContext& context, const std::function<void()>& drive);
+/// Meanwhile libcurl does what else is due. Where that fails, the first connection reads them.
+void read(CURLM* multi, ZLVCurlContext& context);
 
 }  // namespace ZLVCurlAuthorities

@@ -246,7 +246,7 @@ void ZLVCurlLoop::runDue() {
   // While the first secure connection is made.
   if (authorities_ == Authorities::Needed) {
     authorities_ = Authorities::Read;
-    ZLVCurlAuthorities::read(multi_, context_, [this] { drive(CURL_SOCKET_TIMEOUT); });
+    ZLVCurlAuthorities::read(multi_, context_);
   }
 }
 

@@ -43,15 +43,17 @@ curl_socket_t ZLVCurlSockets::open(const curl_sockaddr& address, Attempt& attemp
   if (made == CURL_SOCKET_BAD) return made;
   const auto first = Clock::now() + (attempt.isHasty ? patience : often);
   attempt.sockets.push_back(made);
-  sockets_.insert_or_assign(made, Socket{&attempt, looks_.emplace(first, made)});
+  const auto needed = static_cast<std::size_t>(made) + 1;
+  if (sockets_.size() < needed) sockets_.resize(std::max(needed, 2 * sockets_.size()));
+  at(made) = {true, &attempt, looks_.emplace(first, made)};
   return made;
 }
 
 int ZLVCurlSockets::close(void* self, curl_socket_t socket) {
   auto& sockets = *static_cast<ZLVCurlSockets*>(self);
   sockets.readiness_.forget(socket);
-  if (const auto found = sockets.sockets_.find(socket); found != sockets.sockets_.end()) {
-    auto& [attempt, look, localPort, peerPort, rule] = found->second;
+  if (sockets.has(socket)) {
+    auto& [isOpen, attempt, look, localPort, peerPort, rule] = sockets.at(socket);
     if (attempt != nullptr) {
       std::erase(attempt->sockets, socket);
       if (attempt->sockets.empty()) sockets.stranded_.push_back(attempt->transfer);
@@ -62,16 +64,16 @@ int ZLVCurlSockets::close(void* self, curl_socket_t socket) {
     const auto entry =
         std::find_if(begin, end, [socket](const auto& item) { return item.second == socket; });
     if (entry != end) sockets.settled_.erase(entry);
-    sockets.sockets_.erase(found);
+    isOpen = false;
   }
   return ::close(socket);
 }
 
 void ZLVCurlSockets::settle(Attempt& attempt, int localPort, int peerPort) {
   for (const curl_socket_t socket : attempt.sockets) {
-    Socket& entry = sockets_.at(socket);
+    Socket& entry = at(socket);
     if (entry.look != looks_.end()) looks_.erase(entry.look);
-    entry = {nullptr, looks_.end(), localPort, peerPort};
+    entry = {true, nullptr, looks_.end(), localPort, peerPort};
     settled_.emplace(localPort, socket);
   }
   attempt.sockets.clear();
@@ -85,7 +87,7 @@ curl_socket_t ZLVCurlSockets::lookAtAttempts() {
   for (const auto now = Clock::now(); nextLook() <= now;) {
     auto look = looks_.extract(looks_.begin());
     const curl_socket_t socket = look.mapped();
-    Socket& entry = sockets_.at(socket);
+    Socket& entry = at(socket);
     entry.look = looks_.end();
     if (isConnected(socket)) continue;
     if (!entry.attempt->isHasty) {
@@ -119,7 +121,7 @@ void ZLVCurlSockets::setRule(CURL* transfer, Rule rule) {
       settled_.equal_range(static_cast<int>(number(transfer, CURLINFO_LOCAL_PORT)));
   // Hosts may have the ports in common; then the strictest counts for all of them.
   for (auto item = begin; item != end; ++item) {
-    Socket& entry = sockets_.at(item->second);
+    Socket& entry = at(item->second);
     if (entry.peerPort != peerPort || entry.rule == Rule::NothingToRead) continue;
     unused_ += (rule == Rule::OnlyItsEnd ? 1 : 0) - (entry.rule == Rule::OnlyItsEnd ? 1 : 0);
     entry.rule = rule;
@@ -129,7 +131,7 @@ void ZLVCurlSockets::setRule(CURL* transfer, Rule rule) {
 bool ZLVCurlSockets::isSpoilt(int localPort, int peerPort) const {
   const auto [begin, end] = settled_.equal_range(localPort);
   return std::any_of(begin, end, [&](const auto& item) {
-    const Socket& entry = sockets_.at(item.second);
+    const Socket& entry = at(item.second);
     if (entry.peerPort != peerPort) return false;
     if (entry.rule == Rule::OnlyItsEnd) return ZLVCurlSystem::hasEnded(item.second);
     return entry.rule == Rule::NothingToRead && isReadable(item.second);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <chrono>
+#include <cstddef>
 #include <map>
 #include <unordered_map>
 #include <utility>
@@ -37,7 +38,10 @@ class ZLVCurlSockets {
   static int close(void* self, curl_socket_t socket);
 
   /// Whether it was opened here.
-  [[nodiscard]] bool has(curl_socket_t socket) const { return sockets_.contains(socket); }
+  [[nodiscard]] bool has(curl_socket_t socket) const {
+    const auto index = static_cast<std::size_t>(socket);
+    return index < sockets_.size() && sockets_[index].isOpen;
+  }
 
   /// The connection between these ports is there.
   void settle(Attempt& attempt, int localPort, int peerPort);
@@ -69,16 +73,23 @@ class ZLVCurlSockets {
   enum class Rule { None, OnlyItsEnd, NothingToRead };
   using Looks = std::multimap<Clock::time_point, curl_socket_t>;
   struct Socket {
-    Attempt* attempt;  // until it is settled
-    Looks::iterator look;
+    bool isOpen = false;
+    Attempt* attempt = nullptr;  // until it is settled
+    Looks::iterator look = {};
     int localPort = 0, peerPort = 0;  // once it is
     Rule rule = Rule::None;
   };
 
+  [[nodiscard]] const Socket& at(curl_socket_t socket) const {
+    return sockets_[static_cast<std::size_t>(socket)];
+  }
+  [[nodiscard]] Socket& at(curl_socket_t socket) {
+    return sockets_[static_cast<std::size_t>(socket)];
+  }
   void setRule(CURL* transfer, Rule rule);
 
   ZLVReadiness& readiness_;
-  std::unordered_map<curl_socket_t, Socket> sockets_;
+  std::vector<Socket> sockets_;                          // by descriptor
   std::unordered_multimap<int, curl_socket_t> settled_;  // by local port
   Looks looks_;                                          // at those that connect
   std::vector<CURL*> stranded_;

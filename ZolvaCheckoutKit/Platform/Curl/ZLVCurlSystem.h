@@ -2,7 +2,6 @@
 
 #include <chrono>
 #include <optional>
-#include <set>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -73,7 +72,7 @@ class ZLVReadiness {
 
   int descriptor_ = -1;
   std::vector<Watch> watches_;  // by descriptor
-  std::set<int> unwatched_;     // which the system should watch, and does not
+  std::vector<int> unwatched_;  // which the system should watch, and does not
   std::vector<Found> found_;    // the last one first
 };
 

@@ -41,7 +41,7 @@ void ZLVReadiness::watch(int descriptor, unsigned events) {
 
 void ZLVReadiness::rest(int descriptor) {
   at(descriptor).wanted = 0;
-  unwatched_.erase(descriptor);
+  std::erase(unwatched_, descriptor);
 }
 
 void ZLVReadiness::forget(int descriptor) {
@@ -63,15 +63,12 @@ void ZLVReadiness::update(int descriptor) {
     const bool isDone = epoll_ctl(descriptor_, how, descriptor, &event) == 0;
     if (isDone || wanted == 0) registered = wanted;
   }
-  if (wanted == registered) {
-    unwatched_.erase(descriptor);
-  } else {
-    unwatched_.insert(descriptor);
-  }
+  std::erase(unwatched_, descriptor);
+  if (wanted != registered) unwatched_.push_back(descriptor);
 }
 
 void ZLVReadiness::wait(std::chrono::milliseconds limit) {
-  for (const int descriptor : std::set(unwatched_)) update(descriptor);
+  for (const int descriptor : std::vector(unwatched_)) update(descriptor);
   if (descriptor_ < 0 || !unwatched_.empty()) limit = std::min(limit, often);
 
   std::array<epoll_event, 128> events;  // NOLINT(*-member-init): filled by the system
