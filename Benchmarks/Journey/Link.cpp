@@ -12,11 +12,11 @@
 #include <cstring>
 #include <filesystem>
 #include <fstream>
-#include <functional>
 #include <set>
 #include <sstream>
 #include <stdexcept>
 #include <string>
+#include <system_error>
 #include <thread>
 
 #include <fcntl.h>
@@ -37,7 +37,7 @@ namespace {
 using namespace std::chrono_literals;
 
 void check(bool isDone, const std::string& what) {
-  if (!isDone) throw std::runtime_error(what + ": " + std::strerror(errno));
+  if (!isDone) throw std::system_error(errno, std::generic_category(), what);
 }
 
 /// The files that this process sees from now on are its own to put others in their places, and the
@@ -79,7 +79,7 @@ pid_t start(const std::string& command, const sigset_t& signals) {
   check(child >= 0, "fork");
   if (child != 0) return child;
   prctl(PR_SET_PDEATHSIG, SIGTERM);
-  sigprocmask(SIG_UNBLOCK, &signals, nullptr);
+  pthread_sigmask(SIG_UNBLOCK, &signals, nullptr);
   execl("/bin/sh", "sh", "-c", command.c_str(), nullptr);
   _exit(127);
 }
@@ -140,7 +140,7 @@ int run(const std::string& paths, const std::string& server, const std::string& 
   leaveSystem();
   const int serverDevice =
       enterNetwork("ip route add local 10.0.0.0/8 dev lo; ip route add default dev way");
-  sigprocmask(SIG_BLOCK, &signals, nullptr);
+  pthread_sigmask(SIG_BLOCK, &signals, nullptr);
   start(server, signals);
   const int clientDevice =
       enterNetwork("ip address add 172.31.0.1/32 dev way; ip route add 10.0.0.0/8 dev way");

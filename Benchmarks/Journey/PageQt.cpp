@@ -8,7 +8,7 @@
 #include <QSocketNotifier>
 #include <QTimer>
 #include <QWebEngineView>
-#include <functional>
+#include <memory>
 #include <string>
 
 #include <unistd.h>
@@ -51,14 +51,14 @@ class Shop {
     message.setHeader(QNetworkRequest::ContentTypeHeader, "application/json");
     auto* reply = manager_.post(message, QByteArray::fromStdString(chargeBody(++charges_)));
     QObject::connect(reply, &QNetworkReply::finished, [this, reply] {
-      auto* view = new QWebEngineView;
+      auto* view = std::make_unique<QWebEngineView>().release();
       window_.setCentralWidget(view);  // and owns it
       view->load(QUrl(QString::fromStdString(pageOf(reply->readAll().toStdString()))));
       reply->deleteLater();
     });
   }
 
-  void closePage() { window_.setCentralWidget(new QPushButton("Pay")); }
+  void closePage() { window_.setCentralWidget(std::make_unique<QPushButton>("Pay").release()); }
 
   const std::string merchant_;
   QMainWindow window_;

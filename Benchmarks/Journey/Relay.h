@@ -50,7 +50,7 @@ class Relay {
   void take(int from, int to);
   void send();
   /// Nothing where there is no way to the packet's server.
-  const Path* pathOf(std::uint32_t server) const;
+  [[nodiscard]] const Path* pathOf(std::uint32_t server) const;
   bool isLost(std::uint32_t server, bool isToServer, double loss);
 
   const int client_;

@@ -4,8 +4,8 @@
 
 #include <chrono>
 #include <cstdio>
+#include <fstream>
 #include <mutex>
-#include <regex>
 #include <stdexcept>
 #include <string>
 #include <thread>
@@ -98,22 +98,16 @@ void letTellOfPaint(ZLVSandboxAnswer& page) {
 
 class Log {
  public:
-  explicit Log(const char* file) : file_(std::fopen(file, "w")) {
-    if (file_ == nullptr) throw std::runtime_error(file);
-  }
-  Log(const Log&) = delete;
-  Log& operator=(const Log&) = delete;
-  ~Log() { std::fclose(file_); }
+  explicit Log(const char* file) : file_(file) {}
 
   void write(const json::object& line) {
     const std::lock_guard lock(mutex_);
-    std::fprintf(file_, "%s\n", json::serialize(line).c_str());
-    std::fflush(file_);
+    file_ << json::serialize(line) << std::endl;
   }
 
  private:
   std::mutex mutex_;
-  std::FILE* file_;
+  std::ofstream file_;
 };
 
 /// Serves a connection until the client closes it: the server keeps it open for ever.
