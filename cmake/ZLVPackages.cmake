@@ -101,10 +101,12 @@ zlv_package(common libzolvacheckoutkit-common SECTION libs MULTI_ARCH foreign
 set(CPACK_DEBIAN_COMMON_PACKAGE_ARCHITECTURE all)
 set(CPACK_DEBIAN_COMMON_PACKAGE_SHLIBDEPS OFF)
 zlv_package(gtk-runtime libzolvacheckoutkit-gtk${interface} SECTION libs MULTI_ARCH same
-  DEPENDS runtime common
+  DEPENDS runtime
   SUMMARY "checkout with a Zolva e-wallet (GTK backend)"
   DESCRIPTION "${what}This package has the library that shows the pages inside a GTK 4 application's
 own window, by WebKitGTK.")
+# Not of this version only: those of two versions share the newer translations.
+set(CPACK_DEBIAN_GTK-RUNTIME_PACKAGE_DEPENDS "libzolvacheckoutkit-common (>= ${PROJECT_VERSION})")
 zlv_package(gtk-development libzolvacheckoutkit-gtk-dev SECTION libdevel MULTI_ARCH same
   DEPENDS development gtk-runtime
   RECOMMENDS libgtk-4-dev
