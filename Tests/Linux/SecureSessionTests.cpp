@@ -6,6 +6,8 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
+#include <ZolvaCheckoutKit/Platform/Curl/ZLVCurlSession.h>
+
 #include "Tests/Linux/SessionFixture.h"
 #include "Tests/Support/TLSIdentity.h"
 
@@ -33,9 +35,31 @@ std::string contents(const std::filesystem::path& file) {
   return {std::istreambuf_iterator<char>(stream), {}};
 }
 
+TEST_F(SecureSession, AsksTheSystemsFolderForTheAuthority) {
+  const std::filesystem::path folder = file_.string() + "-folder";
+  std::filesystem::create_directory(folder);
+  const TLSIdentity identity({}, &authority_);
+  const auto askedIn = [&](const std::optional<std::string>& hostFile) {
+    RawServer server(hello, identity.serverContext());
+    ZLVCurlSession session({.CAFile = hostFile, .maximumAnswerSize = 100, .authorities = folder});
+    return code(call(session, request(server.url())));
+  };
+  const TLSIdentity another({.isAuthority = true, .organization = "Another"});
+  const auto add = [&folder](const TLSIdentity& authority) {
+    std::ofstream(folder / (authority.nameHash() + ".0")) << authority.certificatePEM();
+  };
+  add(another);
+  EXPECT_EQ(askedIn({}), NSURLErrorServerCertificateHasUnknownRoot);
+  EXPECT_EQ(askedIn(file_), 0);  // beside the folder's
+  add(authority_);
+  EXPECT_EQ(askedIn({}), 0);
+  std::filesystem::remove_all(folder);
+}
+
 TEST_F(SecureSession, AddsTheFileToTheSystemsAuthorities) {
-  const auto session = makeSession(trusting());
-  call(*session, request("http://127.0.0.1:1/"));
+  // Where there is no folder of them.
+  ZLVCurlSession session({.CAFile = file_, .maximumAnswerSize = 100, .authorities = "/no/such"});
+  call(session, request("http://127.0.0.1:1/"));
   std::vector<std::string> bundles;
   for (const auto& entry : std::filesystem::directory_iterator("/proc/self/fd")) {
     std::error_code gone;

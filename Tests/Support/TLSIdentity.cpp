@@ -1,6 +1,8 @@
 #include "TLSIdentity.h"
 
+#include <array>
 #include <atomic>
+#include <cstdio>
 #include <vector>
 
 #include <openssl/evp.h>
@@ -49,6 +51,12 @@ std::string TLSIdentity::certificatePEM() const {
   char* text = nullptr;
   const auto size = BIO_get_mem_data(memory.get(), &text);
   return {text, static_cast<std::size_t>(size)};
+}
+
+std::string TLSIdentity::nameHash() const {
+  std::array<char, 9> text{};
+  std::snprintf(text.data(), text.size(), "%08lx", X509_subject_name_hash(certificate_.get()));
+  return text.data();
 }
 
 std::shared_ptr<SSL_CTX> TLSIdentity::serverContext() const {

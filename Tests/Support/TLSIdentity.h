@@ -24,6 +24,9 @@ class TLSIdentity {
 
   [[nodiscard]] std::string certificatePEM() const;
 
+  /// As OpenSSL has it in a folder of authorities.
+  [[nodiscard]] std::string nameHash() const;
+
   /// For a `RawServer`.
   [[nodiscard]] std::shared_ptr<SSL_CTX> serverContext() const;
 

@@ -13,7 +13,8 @@
 
 /// What a session's calls have in common. Used on the session's thread.
 struct ZLVCurlContext {
-  explicit ZLVCurlContext(ZLVCurlOptions host) : options(std::move(host)), trust(options.CAFile) {}
+  explicit ZLVCurlContext(ZLVCurlOptions host)
+      : options(std::move(host)), trust(options.CAFile, options.authorities) {}
 
   const ZLVCurlOptions options;
   ZLVTrustStore trust;

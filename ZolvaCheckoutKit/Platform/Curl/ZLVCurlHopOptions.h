@@ -20,9 +20,9 @@ void setFixed(const Set& set, const ZLVTrustStore& trust) {
   set(CURLOPT_QUICK_EXIT, 1L);
   set(CURLOPT_TCP_KEEPALIVE, 1L);
   set(CURLOPT_SSLVERSION, static_cast<long>(CURL_SSLVERSION_TLSv1_2));
-  // A folder of authorities would keep libcurl from keeping those of the file.
-  if (trust.hasSystemFile()) set(CURLOPT_CAPATH, static_cast<const char*>(nullptr));
-  if (!trust.file().empty()) set(CURLOPT_CAINFO, trust.file().c_str());
+  const auto orNone = [](const std::string& path) { return path.empty() ? nullptr : path.c_str(); };
+  if (trust.folder()) set(CURLOPT_CAPATH, orNone(*trust.folder()));
+  set(CURLOPT_CAINFO, orNone(trust.file()));
 }
 
 /// Tells `handle` where to go, by which connection, and what to send. It refers to `hop` and

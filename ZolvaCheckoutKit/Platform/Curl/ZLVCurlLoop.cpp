@@ -6,7 +6,6 @@
 
 #include <pthread.h>
 
-#include <ZolvaCheckoutKit/Platform/Curl/ZLVCurlAuthorities.h>
 #include <ZolvaCheckoutKit/Platform/Curl/ZLVCurlCookies.h>
 #include <ZolvaCheckoutKit/Platform/Curl/ZLVCurlLifetime.h>
 #include <ZolvaCheckoutKit/Platform/Curl/ZLVCurlLoop.h>
@@ -157,9 +156,6 @@ void ZLVCurlLoop::goOn(std::unique_ptr<ZLVCurlTransfer> transfer) {
   if (transfer->isAnswered()) return transfer->complete();
   CURL* handle = transfer->handle();
   const bool mayShareConnections = transfer->server().scheme == "https";
-  if (mayShareConnections && authorities_ == Authorities::Unused) {
-    authorities_ = Authorities::Needed;
-  }
   const auto deadline = deadlines_.emplace(transfer->deadline(), handle);
   const auto queue = &*queues_.try_emplace(transfer->server().origin(), mayShareConnections).first;
   calls_.emplace(handle, Call{std::move(transfer), queue, deadline, queue->second.add(handle)});
@@ -243,11 +239,6 @@ void ZLVCurlLoop::runDue() {
     curl_easy_pause(handle, CURLPAUSE_CONT);
   }
   failIdle();
-  // While the first secure connection is made.
-  if (authorities_ == Authorities::Needed) {
-    authorities_ = Authorities::Read;
-    ZLVCurlAuthorities::read(multi_, context_);
-  }
 }
 
 void ZLVCurlLoop::failIdle() {

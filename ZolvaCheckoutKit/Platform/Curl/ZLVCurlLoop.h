@@ -94,7 +94,6 @@ class ZLVCurlLoop {
   /// Each call's deadline, or an earlier moment: deadlines only move to later ones, and are looked
   /// at when the moment has come.
   Deadlines deadlines_;
-  enum class Authorities { Unused, Needed, Read } authorities_ = Authorities::Unused;
   long underWay_ = 0;
   long keptConnections_ = 0;
   std::vector<std::unique_ptr<ZLVCurlTransfer>> taken_;

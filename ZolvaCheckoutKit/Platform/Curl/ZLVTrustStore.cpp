@@ -1,3 +1,4 @@
+#include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <memory>
@@ -13,10 +14,25 @@ std::string contents(std::ifstream file) {
   return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
 }
 
+/// Whether there is a file named by a hash, as in "4f316efb.0".
+bool hasHashes(const std::string& folder) {
+  constexpr std::size_t digits = 8;
+  std::error_code error;
+  for (std::filesystem::directory_iterator entry(folder, error), end; !error && entry != end;
+       entry.increment(error)) {
+    const auto name = entry->path().filename().string();
+    if (name.size() == digits + 2 && name.ends_with(".0") &&
+        name.find_first_not_of("0123456789abcdef") == digits) {
+      return true;
+    }
+  }
+  return false;
+}
+
 }  // namespace
 
-ZLVTrustStore::ZLVTrustStore(std::optional<std::string> hostFile)
-    : hostFile_(std::move(hostFile)), file_(hostFile_.value_or("")) {}
+ZLVTrustStore::ZLVTrustStore(std::optional<std::string> hostFile, std::optional<std::string> folder)
+    : hostFile_(std::move(hostFile)), systemFolder_(std::move(folder)) {}
 
 bool ZLVTrustStore::read() {
   if (isRead_) return false;
@@ -24,15 +40,31 @@ bool ZLVTrustStore::read() {
   // version.
   const std::unique_ptr<CURL, decltype(&curl_easy_cleanup)> asked(curl_easy_init(),
                                                                   &curl_easy_cleanup);
-  char* systemFile = nullptr;
-  curl_easy_getinfo(asked.get(), CURLINFO_CAINFO, &systemFile);
-  hasSystemFile_ = systemFile != nullptr;
-  isRead_ = !hostFile_;
+  const auto pathOf = [&asked](CURLINFO info) -> std::optional<std::string> {
+    char* path = nullptr;
+    curl_easy_getinfo(asked.get(), info, &path);
+    return path != nullptr ? std::optional<std::string>(path) : std::nullopt;
+  };
+  folder_ = systemFolder_ ? systemFolder_ : pathOf(CURLINFO_CAPATH);
+  curl_tlssessioninfo* library = nullptr;
+  curl_easy_getinfo(asked.get(), CURLINFO_TLS_SSL_PTR, &library);
+  const bool readsByHash = library != nullptr && library->backend == CURLSSLBACKEND_OPENSSL;
+
+  file_ = hostFile_.value_or("");
+  isRead_ = readsByHash && folder_ && hasHashes(*folder_);
   if (isRead_) return true;
 
+  const auto systemFile = pathOf(CURLINFO_CAINFO);
+  // Beside a folder libcurl would keep nothing of the file.
+  if (systemFile && folder_) folder_ = "";
+  isRead_ = !hostFile_;
+  if (isRead_) {
+    file_ = systemFile.value_or("");
+    return true;
+  }
   const std::string further = contents(std::ifstream(*hostFile_));
   if (further.empty()) return true;
-  const std::string system = hasSystemFile_ ? contents(std::ifstream(systemFile)) : "";
+  const std::string system = systemFile ? contents(std::ifstream(*systemFile)) : "";
   bundle_.emplace(system + '\n' + further);
   isRead_ = !bundle_->path().empty();
   if (isRead_) file_ = bundle_->path();

@@ -19,8 +19,8 @@ struct ZLVLinuxOptions {
   /// Whether http is allowed to any host. Otherwise only to this machine itself (localhost,
   /// 127.0.0.0/8 and ::1).
   bool allowsCleartext = false;
-  /// A PEM file of certificate authorities to trust beside the system's. It is read when the first
-  /// call is made; https calls fail with `NSURLErrorSecureConnectionFailed` when it cannot be read.
+  /// A PEM file of certificate authorities to trust beside the system's. It is read when a secure
+  /// connection is made; https calls fail with `NSURLErrorSecureConnectionFailed` when it cannot be read.
   std::optional<std::string> CAFile = std::nullopt;
   /// The largest answer accepted, in bytes, decompressed; a larger one fails with
   /// `NSURLErrorDataLengthExceedsMaximum`. What it may take once it is decoded is
