@@ -43,6 +43,10 @@ struct ZLVGTKHandlers {
 /// bindtextdomain(3) after `platformWithApplication`. Several pages over one window, and what the
 /// host itself puts over a page, may end in any order.
 ///
+/// The engine starts while a link or a charge is on its way, and is let go of when no page has come
+/// within a minute. Pages are drawn without the graphics processor: they have no WebGL, and
+/// transforms in three dimensions are flat.
+///
 /// Screen readers find the bar and whatever the browser says itself, but not what the page holds
 /// before GTK 4.14 and a WebKitGTK (2.44 or later) built with that: an older GTK has no place for
 /// the tree of another process, and the page is an empty panel to them.
