@@ -8,7 +8,7 @@ cmake_minimum_required(VERSION 3.25)
 set(standard "[a-z_]+")        # C++ headers have no suffix; those of C and of the system do
 set(foreign "[a-z].*|CLI/.*")  # anything of the system and of other projects
 set(boost "boost/.*")
-set(posix "arpa/inet\\.h|poll\\.h|pthread\\.h|strings\\.h|sys/socket\\.h|unistd\\.h")
+set(posix "arpa/inet\\.h|dirent\\.h|poll\\.h|pthread\\.h|strings\\.h|sys/socket\\.h|unistd\\.h")
 set(libcurl "curl/curl\\.h")
 set(fast_float "fast_float/.*")
 set(values "ZolvaCheckoutKit/ZLV(Error|Export|Mappable|OptionalText|URL|Value)\\.h")
