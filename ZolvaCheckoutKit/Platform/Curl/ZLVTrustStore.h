@@ -8,9 +8,9 @@
 /// The certificate authorities that a session trusts: the system's and those of the host's file.
 ///
 /// Debian, for one, keeps each authority in a file whose name tells which it is, and of those
-/// OpenSSL reads only the ones that a server's certificate leads to. Elsewhere all are read from one
-/// file, which takes 20 ms. libcurl keeps the authorities of a file that it knows by name from one
-/// connection to the next, but takes only one such file, so the host's is put together with the
+/// OpenSSL reads only the ones that a server's certificate leads to. Elsewhere all are read from
+/// one file, which takes 20 ms. libcurl keeps the authorities of a file that it knows by name from
+/// one connection to the next, but takes only one such file, so the host's is put together with the
 /// system's in memory.
 class ZLVTrustStore {
  public:
