@@ -20,7 +20,8 @@ struct ZLVLinuxOptions {
   /// 127.0.0.0/8 and ::1).
   bool allowsCleartext = false;
   /// A PEM file of certificate authorities to trust beside the system's. It is read when a secure
-  /// connection is made; https calls fail with `NSURLErrorSecureConnectionFailed` when it cannot be read.
+  /// connection is made; https calls fail with `NSURLErrorSecureConnectionFailed` when it cannot be
+  /// read.
   std::optional<std::string> CAFile = std::nullopt;
   /// The largest answer accepted, in bytes, decompressed; a larger one fails with
   /// `NSURLErrorDataLengthExceedsMaximum`. What it may take once it is decoded is
